@@ -1,0 +1,7 @@
+# 32-bit x86 Linux, built by the native compiler.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+set(CMAKE_C_FLAGS_INIT -m32)
+set(CMAKE_CXX_FLAGS_INIT -m32)
+set(CMAKE_CROSSCOMPILING_EMULATOR "")
+set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)

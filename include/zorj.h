@@ -1,0 +1,14 @@
+/**
+ * @file zorj.h
+ * The inner steps of still-image codecs. Includes the headers of all families; see zorj/types.h for the
+ * conventions they share.
+ */
+#ifndef ZORJ_H
+#define ZORJ_H
+
+#include "zorj/jpeg_color.h"
+#include "zorj/jpeg_dct.h"
+#include "zorj/jpeg_huffman.h"
+#include "zorj/types.h"
+
+#endif

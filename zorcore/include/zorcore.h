@@ -1,0 +1,64 @@
+/**
+ * @file zorcore.h
+ * The core support library under zorj: aligned memory, the size of the largest cache, and the number of threads.
+ * zorj imports four functions of it; the others are for applications.
+ */
+#ifndef ZORCORE_H
+#define ZORCORE_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(_WIN32) && defined(ZORCORE_BUILDING)
+#define ZORCORE_API __declspec(dllexport)
+#elif defined(_WIN32) && !defined(ZORCORE_STATIC)
+#define ZORCORE_API __declspec(dllimport)
+#elif defined(_WIN32)
+#define ZORCORE_API
+#else
+#define ZORCORE_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Returns `length` bytes aligned to 64, or null if `length` is below 1 or there is no memory. */
+ZORCORE_API void* zorMalloc(int32_t length);
+
+/** Releases what zorMalloc returned. Null is ignored. */
+ZORCORE_API void zorFree(void* memory);
+
+/**
+ * Writes the size in bytes of the processor's largest cache to `size`.
+ * Returns 0, or -1 with `size` untouched if it cannot be found out or `size` is null.
+ */
+ZORCORE_API int zorGetMaxCacheSizeB(int32_t* size);
+
+/**
+ * Returns the number of threads the library may use, at least 1: what zorSetNumThreads set, or else the number of
+ * processors this process may use (its affinity, and its share of processor time where a control group limits it).
+ */
+ZORCORE_API int ownGetNumThreads(void);
+
+/** Sets the number of threads for the whole process; below 1 returns to the default. */
+ZORCORE_API void zorSetNumThreads(int threads);
+
+/** Where zorMalloc and zorFree go. `allocate` returns memory aligned to at least `alignment`, or null. */
+typedef struct ZorAllocator {
+  void* (*allocate)(size_t bytes, size_t alignment, void* context);
+  void (*release)(void* memory, void* context);
+  void* context;
+} ZorAllocator;
+
+/**
+ * Replaces the allocator for the whole process; null returns to the default. The record must stay valid while it is
+ * in use. Call it while no memory is held and no other thread is in the library.
+ */
+ZORCORE_API void zorSetAllocator(const ZorAllocator* allocator);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
