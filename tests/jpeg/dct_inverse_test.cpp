@@ -210,14 +210,13 @@ TEST(DctInverse, WithinOneOfTheExactInverseInItsRange) {
       ASSERT_LE(std::abs(result[i] - exact[i]), 1) << "sample " << i;
     }
 
-    const reference::Block wide = coefficientsOfSamples(random, -510, 510, round % 2 == 0);
+    const reference::Block wide = coefficientsOfSamples(random, -400, 400, round % 2 == 0);
     for (const SampleFunction& f : {kSampleFunctions[0], kSampleFunctions[4], kSampleFunctions[5]}) {
       Samples samples;
       exact = reference::exactInverse(widened(wide), f.size);
       ASSERT_EQ(f.function(wide.data(), samples.data(), 8, table.data()), StatusOk);
       for (int i = 0; i < f.size * f.size; ++i) {
         const int at = 8 * (i / f.size) + i % f.size;
-        if (std::abs(exact[at]) > 511) continue;
         ASSERT_LE(std::abs(samples[at] - std::clamp(exact[at] + 128, 0.0, 255.0)), 1) << f.name << ", sample " << at;
       }
     }
