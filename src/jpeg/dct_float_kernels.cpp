@@ -59,7 +59,7 @@ HWY_INLINE Columns dot(Columns a, float fa, Columns b, float fb, Columns c, floa
 }
 
 HWY_INLINE void forwardColumns(Block& block) {
-  const auto [c0, c1, c2, c3, c4, c5, c6, c7] = kCosines;
+  const auto& [c0, c1, c2, c3, c4, c5, c6, c7] = kCosines;
   for (int column = 0; column < 8; column += kColumnCount) {
     float* const at = block.at + column;
     const Columns s0 = load(at) + load(at + 56), d0 = load(at) - load(at + 56);
@@ -79,7 +79,7 @@ HWY_INLINE void forwardColumns(Block& block) {
 }
 
 HWY_INLINE void inverseColumns(Block& block) {
-  const auto [c0, c1, c2, c3, c4, c5, c6, c7] = kCosines;
+  const auto& [c0, c1, c2, c3, c4, c5, c6, c7] = kCosines;
   for (int column = 0; column < 8; column += kColumnCount) {
     float* const at = block.at + column;
     const Columns sum = load(at) + load(at + 32), difference = load(at) - load(at + 32);
@@ -128,32 +128,37 @@ HWY_INLINE Columns clampNumber(Columns value, float low, float high) {
   return hn::Min(hn::Max(value, constant(low)), constant(high));
 }
 
-HWY_INLINE void transpose(Block& block) {
+// The transposes of 4x4 blocks: the first 4 rows of columns `from` and, in vectors of 8, of the 4 columns after.
+struct Transposed {
+  Columns column[4];
+};
+HWY_INLINE Transposed transpose4(const float* from) {
   constexpr Floats d;
-  Block result;
-  for (int x = 0; x < 8; x += kColumnCount) {
-    Columns columns[2][4];
-    for (int half = 0; half < 2; ++half) {
-      const float* const from = block.at + 32 * half + x;
-      const auto r0 = load(from), r1 = load(from + 8), r2 = load(from + 16), r3 = load(from + 24);
-      const auto lower02 = hn::InterleaveLower(d, r0, r2), upper02 = hn::InterleaveUpper(d, r0, r2);
-      const auto lower13 = hn::InterleaveLower(d, r1, r3), upper13 = hn::InterleaveUpper(d, r1, r3);
-      columns[half][0] = hn::InterleaveLower(d, lower02, lower13);
-      columns[half][1] = hn::InterleaveUpper(d, lower02, lower13);
-      columns[half][2] = hn::InterleaveLower(d, upper02, upper13);
-      columns[half][3] = hn::InterleaveUpper(d, upper02, upper13);
-    }
-    for (int i = 0; i < 4; ++i) {
-      if constexpr (kColumnCount == 8) {
-        store(hn::ConcatLowerLower(d, columns[1][i], columns[0][i]), result.at + 8 * i);
-        store(hn::ConcatUpperUpper(d, columns[1][i], columns[0][i]), result.at + 8 * i + 32);
-      } else {
-        store(columns[0][i], result.at + 8 * (x + i));
-        store(columns[1][i], result.at + 8 * (x + i) + 4);
-      }
-    }
+  const auto r0 = load(from), r1 = load(from + 8), r2 = load(from + 16), r3 = load(from + 24);
+  const auto lower02 = hn::InterleaveLower(d, r0, r2), upper02 = hn::InterleaveUpper(d, r0, r2);
+  const auto lower13 = hn::InterleaveLower(d, r1, r3), upper13 = hn::InterleaveUpper(d, r1, r3);
+  return {{hn::InterleaveLower(d, lower02, lower13), hn::InterleaveUpper(d, lower02, lower13),
+           hn::InterleaveLower(d, upper02, upper13), hn::InterleaveUpper(d, upper02, upper13)}};
+}
+
+HWY_INLINE void storeColumn(Columns upper, Columns lower, float* to) {
+  if constexpr (kColumnCount == 8) {
+    store(hn::ConcatLowerLower(Floats(), lower, upper), to);
+    store(hn::ConcatUpperUpper(Floats(), lower, upper), to + 32);
+  } else {
+    store(upper, to);
+    store(lower, to + 4);
   }
-  block = result;
+}
+
+HWY_INLINE void transpose(const Block& from, Block& to) {
+  for (int x = 0; x < 8; x += kColumnCount) {
+    const Transposed upper = transpose4(from.at + x), lower = transpose4(from.at + 32 + x);
+    storeColumn(upper.column[0], lower.column[0], to.at + 8 * x);
+    storeColumn(upper.column[1], lower.column[1], to.at + 8 * x + 8);
+    storeColumn(upper.column[2], lower.column[2], to.at + 8 * x + 16);
+    storeColumn(upper.column[3], lower.column[3], to.at + 8 * x + 24);
+  }
 }
 
 HWY_INLINE void loadSamples(const uint16_t* src, int32_t srcStep, Block& block) {
@@ -187,9 +192,9 @@ HWY_INLINE void storeSamples(const Block& block, uint16_t* dst, int32_t dstStep)
 
 #else
 
-void transpose(Block& block) {
+void transpose(const Block& from, Block& to) {
   for (int y = 0; y < 8; ++y) {
-    for (int x = 0; x < y; ++x) std::swap(block.at[8 * y + x], block.at[8 * x + y]);
+    for (int x = 0; x < 8; ++x) to.at[8 * x + y] = from.at[8 * y + x];
   }
 }
 
@@ -225,22 +230,22 @@ void storeSamples(const Block& block, uint16_t* dst, int32_t dstStep) {
 #endif
 
 void forward(const uint16_t* src, int32_t srcStep, int16_t* dst, const float* table) {
-  Block block;
+  Block block, transposed;
   loadSamples(src, srcStep, block);
   forwardColumns(block);
-  transpose(block);
-  forwardColumns(block);
-  transpose(block);
+  transpose(block, transposed);
+  forwardColumns(transposed);
+  transpose(transposed, block);
   quantise(block, dst, table);
 }
 
 void inverse(const int16_t* src, uint16_t* dst, int32_t dstStep, const float* table) {
-  Block block;
+  Block block, transposed;
   dequantise(src, table, block);
   inverseColumns(block);
-  transpose(block);
-  inverseColumns(block);
-  transpose(block);
+  transpose(block, transposed);
+  inverseColumns(transposed);
+  transpose(transposed, block);
   storeSamples(block, dst, dstStep);
 }
 

@@ -97,6 +97,7 @@ HWY_INLINE hn::Vec<Rows> quantise(hn::Vec<Rows> f, hn::Vec<Rows> t) {
 HWY_INLINE void transform(Columns (&x)[8], int16_t* dst, const uint16_t* table) {
   transformColumns(x);
   constexpr Rows d;
+  HWY_UNROLL(8)
   for (int row = 0; row < 8; row += kRowsPerVector<8>) {
     hn::Vec<Rows> y;
     join(x + row, y);

@@ -143,6 +143,7 @@ template <int kSize>
 HWY_INLINE Halves transform(const int16_t* src, const uint16_t* table) {
   constexpr RowsTag<kSize> d;
   Columns y[kSize];
+  HWY_UNROLL(8)
   for (int row = 0; row < kSize; row += kRowsPerVector<kSize>) {
     split(transformRows<kSize>(d, dequantise(d, src + 8 * row, table + 8 * row), row), y + row);
   }
@@ -164,6 +165,7 @@ void block(const int16_t* src, int16_t* dst, const uint16_t* table) {
   alignas(16) static constexpr uint8_t kOrder[16] = {0, 1, 2, 3, 4, 5, 6, 7, 14, 15, 12, 13, 10, 11, 8, 9};
   const auto order = hn::BitCast(d, hn::LoadDup128(hn::Repartition<uint8_t, RowsTag<4>>(), kOrder));
   const Halves halves = transform<8>(src, table);
+  HWY_UNROLL(4)
   for (int first = 0; first < 4; first += kRowsPerVector<4>) {
     hn::Vec<RowsTag<4>> upper, lower;
     finish(d, halves, first, upper, lower);
@@ -180,10 +182,11 @@ template <int kSize>
 void toSamples(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
   constexpr RowsTag<4> d;
   constexpr hn::Repartition<int8_t, RowsTag<4>> d8;
-  // Sums of 128 and a signed byte, saturated before the addition rather than after it.
+  // 128 is added after the saturation, to signed bytes.
   alignas(16) static constexpr int8_t kOrder[16] = {0, 1, 2, 3, 7, 6, 5, 4, 8, 9, 10, 11, 15, 14, 13, 12};
   const auto order = hn::LoadDup128(d8, kOrder);
   const Halves halves = transform<kSize>(src, table);
+  HWY_UNROLL(4)
   for (int first = 0; first < 4; first += kRowsPerVector<4>) {
     hn::Vec<RowsTag<4>> upper, lower;
     finish(d, halves, first, upper, lower);
