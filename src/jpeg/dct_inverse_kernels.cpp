@@ -180,20 +180,20 @@ void block(const int16_t* src, int16_t* dst, const uint16_t* table) {
 
 template <int kSize>
 void toSamples(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  constexpr RowsTag<4> d;
-  constexpr hn::Repartition<int8_t, RowsTag<4>> d8;
+  constexpr RowsTag<2> d;
+  constexpr hn::Repartition<int8_t, RowsTag<2>> d8;
   // 128 is added after the saturation, to signed bytes.
   alignas(16) static constexpr int8_t kOrder[16] = {0, 1, 2, 3, 7, 6, 5, 4, 8, 9, 10, 11, 15, 14, 13, 12};
   const auto order = hn::LoadDup128(d8, kOrder);
   const Halves halves = transform<kSize>(src, table);
   HWY_UNROLL(4)
-  for (int first = 0; first < 4; first += kRowsPerVector<4>) {
-    hn::Vec<RowsTag<4>> upper, lower;
+  for (int first = 0; first < 4; first += kRowsPerVector<2>) {
+    hn::Vec<RowsTag<2>> upper, lower;
     finish(d, halves, first, upper, lower);
     const auto samples = hn::Xor(hn::TableLookupBytes(packToBytes(upper, lower), order), hn::Set(d8, -128));
-    Columns rows[kRowsPerVector<4>];
+    Columns rows[kRowsPerVector<2>];
     split(hn::BitCast(d, samples), rows);
-    for (int i = 0; i < kRowsPerVector<4>; ++i) {
+    for (int i = 0; i < kRowsPerVector<2>; ++i) {
       uint8_t* const row = dst + static_cast<ptrdiff_t>(first + i) * dstStep;
       uint8_t* const mirrored = dst + static_cast<ptrdiff_t>(7 - first - i) * dstStep;
       _mm_storel_epi64(reinterpret_cast<__m128i*>(row), rows[i].raw);
