@@ -35,7 +35,6 @@ struct Zero {};
 HWY_INLINE Zero multiplyHigh(Zero, int16_t) { return {}; }
 HWY_INLINE Zero add(Zero, Zero) { return {}; }
 HWY_INLINE Columns add(Columns a, Zero) { return a; }
-HWY_INLINE Columns add(Zero, Columns b) { return b; }
 HWY_INLINE Zero subtract(Zero, Zero) { return {}; }
 HWY_INLINE Columns subtract(Columns a, Zero) { return a; }
 HWY_INLINE Columns subtract(Zero, Columns b) { return subtract(constant(0), b); }
