@@ -154,8 +154,9 @@ void toSamples(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t
     for (int i = 0; i < kRowsPerVector<2>; ++i) {
       uint8_t* const row = dst + static_cast<ptrdiff_t>(first + i) * dstStep;
       uint8_t* const mirrored = dst + static_cast<ptrdiff_t>(7 - first - i) * dstStep;
-      _mm_storel_epi64(reinterpret_cast<__m128i*>(row), rows[i].raw);
-      _mm_storeh_pd(reinterpret_cast<double*>(mirrored), _mm_castsi128_pd(rows[i].raw));
+      const auto bytes = hn::BitCast(hn::FixedTag<uint8_t, 16>(), rows[i]);
+      hn::StoreU(hn::LowerHalf(bytes), hn::FixedTag<uint8_t, 8>(), row);
+      hn::StoreU(hn::UpperHalf(hn::FixedTag<uint8_t, 8>(), bytes), hn::FixedTag<uint8_t, 8>(), mirrored);
     }
   }
 }
