@@ -32,7 +32,7 @@ struct Halves {
 
 // Rows of coefficients that are 0, and what follows from them.
 struct Zero {};
-HWY_INLINE Zero multiplyHigh(Zero, int16_t) { return {}; }
+HWY_INLINE Zero multiplyHigh(Zero, DctFactor) { return {}; }
 HWY_INLINE Zero add(Zero, Zero) { return {}; }
 HWY_INLINE Columns add(Columns a, Zero) { return a; }
 HWY_INLINE Zero subtract(Zero, Zero) { return {}; }
@@ -77,8 +77,8 @@ constexpr int16_t kSmallOdd3 = 4433;   // sqrt(2) cos(3 pi / 8)
 
 #if ZORJ_SIMD
 
-// The row pass from the lowest kSize coefficients of each row. The samples come in the order 0 1 2 3 7 6 5 4, which
-// restoreOrder changes after the column pass.
+// The row pass from the lowest kSize coefficients of each row. The samples come in the order 0 1 2 3 7 6 5 4, and
+// so stay until the column pass is done.
 template <int kSize, class D>
 HWY_INLINE hn::Vec<D> transformRows(D d, hn::Vec<D> coefficients, int firstRow) {
   constexpr hn::RepartitionToWide<D> d32;
