@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "reference/dct.h"
-#include "support/operands.h"
+#include "support/samples.h"
 
 namespace zorj::test {
 
@@ -19,20 +19,6 @@ Array loadArray(const Operands& o, size_t operand) {
 template <class Array>
 void storeArray(const Operands& o, size_t operand, const Array& values) {
   std::memcpy(o.at<uint8_t>(operand), values.data(), sizeof values);
-}
-
-template <class T>
-T sampleAt(const Operands& o, size_t operand, int x, int y) {
-  T sample;
-  const ptrdiff_t offset = ptrdiff_t{y} * o.step(operand) + x * static_cast<ptrdiff_t>(sizeof(T));
-  std::memcpy(&sample, o.at<uint8_t>(operand) + offset, sizeof sample);
-  return sample;
-}
-
-template <class T>
-void storeSample(const Operands& o, size_t operand, int x, int y, T sample) {
-  const ptrdiff_t offset = ptrdiff_t{y} * o.step(operand) + x * static_cast<ptrdiff_t>(sizeof(T));
-  std::memcpy(o.at<uint8_t>(operand) + offset, &sample, sizeof sample);
 }
 
 // Multipliers of the float paths: ordinary ones, and in some rounds such as lead out of every range.
