@@ -16,52 +16,71 @@ class BitWindow {
   // Fills the window with at least kFilled bits. False when a marker, a fill byte or the end of the source comes first.
   static constexpr int32_t kFilled = 47;
   HWY_INLINE bool refill() {
-    const int32_t before = count_;
     if (next_ > safe_) [[unlikely]] {
       safe_ = findSafe(next_, end_);
       if (next_ > safe_) {
         const Filled filled = fillByBytes(next_, end_, bits_, count_);
         next_ = filled.next;
         bits_ = filled.bits;
+        ahead_ += filled.count - count_;
         count_ = filled.count;
-        ahead_ += count_ - before;
         return count_ >= kFilled;
       }
     }
     // Of the last byte only a part may fit: it is read again next time.
-    bits_ |= loadBigEndian64(next_) >> before;
-    next_ += (63 - before) >> 3;
-    count_ |= 56;
-    ahead_ += count_ - before;
+    bits_ |= loadBigEndian64(next_) >> count_;
+    const ptrdiff_t bytes = (count_ ^ 63) >> 3;
+    next_ += bytes;
+    count_ += 8 * bytes;
+    ahead_ += 8 * bytes;
     return true;
   }
 
-  // The table entry of the next symbol; 0 if its code has more than 8 bits.
-  uint32_t peekShort(const HuffmanDecodeSpec& spec) const { return spec.fastLookup[bits_ >> 56]; }
-  // The same for codes of 9 to 16 bits; 0 if there is none.
-  uint32_t peekLong(const HuffmanDecodeSpec& spec) const {
+  // The symbol whose code comes next.
+  struct Code {
+    uint32_t symbol;
+    uint32_t length;  // 0: none of the lengths looked for
+  };
+  // Of up to 8 bits; `lookup` is the table's fastLookup.
+  HWY_INLINE Code peekShort(const TableEntry* lookup) const {
+    const TableEntry& entry = lookup[bits_ >> 56];
+    return {entry.value, entry.length};
+  }
+  // Of 9 to 16 bits.
+  HWY_INLINE Code peekLong(const HuffmanDecodeSpec& spec) const {
     return findLongCode(spec, static_cast<uint32_t>(bits_ >> 48));
   }
 
-  HWY_INLINE void consumeShort(uint32_t entry) {
+  HWY_INLINE void consumeShort(Code code) {
     topUpTo(kFastBits);
-    consume(static_cast<int32_t>(entryLength(entry)));
+    consume(code.length);
   }
-  HWY_INLINE void consumeLong(uint32_t entry) {
-    const int32_t length = static_cast<int32_t>(entryLength(entry));
+  HWY_INLINE void consumeLong(Code code) {
     topUpTo(kFastBits);
     topUpTo(kFastBits + 1);
     // Bit by bit: the buffer is filled again when it is empty.
-    if (count_ - ahead_ < length) ahead_ -= 32;
-    consume(length);
+    if (count_ - ahead_ < static_cast<ptrdiff_t>(code.length)) ahead_ -= 32;
+    consume(code.length);
+  }
+  // Of any length; consumes it if there is such a code.
+  HWY_INLINE Code takeCode(const HuffmanDecodeSpec& spec) {
+    Code code = peekShort(spec.fastLookup);
+    if (code.length != 0) [[likely]] {
+      consumeShort(code);
+    } else {
+      code = peekLong(spec);
+      if (code.length != 0) consumeLong(code);
+    }
+    return code;
   }
   // The value of category `size`, 0 to 15, from its extra bits.
   HWY_INLINE int32_t takeExtraBits(uint32_t size) {
-    topUpTo(static_cast<int32_t>(size));
-    const auto bits = static_cast<uint32_t>(bits_ >> 1 >> (63 - size));
-    const auto positive = static_cast<uint32_t>(static_cast<int64_t>(bits_) >> 63);
-    consume(static_cast<int32_t>(size));
-    return static_cast<int32_t>(bits - (~positive & ((1u << size) - 1)));
+    const int32_t ifPositive = static_cast<int32_t>(bits_ >> 1 >> (63 - size));
+    const int32_t ifNegative = ifPositive + kOffsetOfNegative[size];
+    const bool positive = static_cast<int64_t>(bits_) < 0;
+    topUpTo(size);
+    consume(size);
+    return positive ? ifPositive : ifNegative;
   }
 
   // Leaves behind what BitReader would. False if that takes bytes which are not there.
@@ -79,20 +98,24 @@ class BitWindow {
       state.bitBuffer = lastBytes(source.bytes, start, next, state.bitBuffer);
       state.reserved = 0;
     }
-    state.bitCount = count_ - ahead_;
+    state.bitCount = static_cast<int32_t>(count_ - ahead_);
     source.position = static_cast<int32_t>(next - source.bytes);
     return true;
   }
 
  private:
-  HWY_INLINE void consume(int32_t count) {
+  // T.81 F.2.2.1, by category.
+  static constexpr int16_t kOffsetOfNegative[16] = {0,    -1,   -3,    -7,    -15,   -31,   -63,    -127,
+                                                    -255, -511, -1023, -2047, -4095, -8191, -16383, -32767};
+
+  HWY_INLINE void consume(uint32_t count) {
     bits_ <<= count;
-    count_ -= count;
+    count_ -= static_cast<ptrdiff_t>(count);
   }
 
   // BitReader fills its buffer to 25 to 32 bits where it holds fewer than it needs.
-  HWY_INLINE void topUpTo(int32_t needed) {
-    const int32_t aheadOfFilled = (count_ - 25) & ~7;
+  HWY_INLINE void topUpTo(ptrdiff_t needed) {
+    const ptrdiff_t aheadOfFilled = (count_ - 25) & ~7;
     ahead_ = ahead_ > count_ - needed ? aheadOfFilled : ahead_;
   }
 
@@ -114,9 +137,9 @@ class BitWindow {
   struct Filled {
     const uint8_t* next;
     uint64_t bits;
-    int32_t count;
+    ptrdiff_t count;
   };
-  static HWY_NOINLINE Filled fillByBytes(const uint8_t* next, const uint8_t* end, uint64_t bits, int32_t count) {
+  static HWY_NOINLINE Filled fillByBytes(const uint8_t* next, const uint8_t* end, uint64_t bits, ptrdiff_t count) {
     while (count < 56 && next < end) {
       const uint8_t byte = *next;
       if (byte == 0xFF) {
@@ -145,7 +168,7 @@ class BitWindow {
     return before;
   }
 
-  static HWY_NOINLINE uint32_t findLongCode(const HuffmanDecodeSpec& spec, uint32_t bits) {
+  static HWY_NOINLINE Code findLongCode(const HuffmanDecodeSpec& spec, uint32_t bits) {
     uint32_t length = 0;
 #if ZORJ_SIMD
     // The first 9 to 16 bits at once.
@@ -158,7 +181,7 @@ class BitWindow {
     const auto largest = hn::LoadU(d, spec.maxCode + 9);
     const auto none = hn::Eq(largest, hn::Set(d, kNoCode));
     const intptr_t found = hn::FindFirstTrue(d, hn::AndNot(none, hn::Eq(hn::Min(codes, largest), codes)));
-    if (found < 0) return 0;
+    if (found < 0) return {};
     length = 9 + static_cast<uint32_t>(found);
 #else
     uint32_t found = 0;
@@ -166,17 +189,17 @@ class BitWindow {
       const bool valid = spec.maxCode[i] != kNoCode && bits >> (16 - i) <= spec.maxCode[i];
       found |= uint32_t{valid} << i;
     }
-    if (found == 0) return 0;
+    if (found == 0) return {};
     length = static_cast<uint32_t>(std::countr_zero(found));
 #endif
     const uint32_t index = spec.symbolIndex[length] + (bits >> (16 - length)) - spec.minCode[length];
-    return tableEntry(length, spec.symbols[index & 0xFF]);
+    return {spec.symbols[index & 0xFF], length};
   }
 
   const uint8_t* next_;
   const uint8_t* end_;
   const uint8_t* safe_;  // up to here, eight bytes can be read at once
   uint64_t bits_;        // left-aligned; what lies beyond count_ is the beginning of the next byte, or 0
-  int32_t count_;
-  int32_t ahead_ = 0;  // bits of the window that BitReader would not have read yet; negative: it would have read more
+  ptrdiff_t count_;
+  ptrdiff_t ahead_ = 0;  // bits of the window that BitReader would not have read yet; negative: it would have read more
 };

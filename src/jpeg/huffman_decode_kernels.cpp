@@ -30,13 +30,14 @@ void clearBlock(int16_t* block) {
   for (; i < kBlockSize; ++i) storeUnaligned(block + i, int16_t{0});
 }
 
-enum class Progress { kGoesOn, kBlockEnds, kDeclined };
+enum class Progress { kGoesOn, kBlockEnds, kLongCode, kDeclined };
 
 // The AC coefficients of a block, one symbol at a time.
 struct AcDecoder {
   BitWindow& window;
   const HuffmanDecodeSpec& spec;
   int16_t* block;
+  const TableEntry* shortCodes = spec.fastLookup;
   size_t position = 1;
 
   // Decodes a symbol with a size and its coefficient; runs beyond the block are left to the careful path.
@@ -54,41 +55,30 @@ struct AcDecoder {
     return Progress::kGoesOn;
   }
 
-  HWY_INLINE Progress takeSymbol(uint32_t entry) {
-    const uint32_t symbol = entry & 0xFF;
-    if ((symbol & 15) != 0) return takeCoefficient(symbol);
+  // The other symbols.
+  HWY_INLINE Progress takeRun(uint32_t symbol) {
     if (symbol != 0xF0) return Progress::kBlockEnds;
     position += 16;
     return position < kBlockSize ? Progress::kGoesOn : Progress::kBlockEnds;
   }
 
-  // A symbol of any length, with a full window.
-  HWY_INLINE Progress step() {
-    uint32_t entry = window.peekShort(spec);
-    if ((entry & 15) != 0) [[likely]] {
-      window.consumeShort(entry);
-      return takeCoefficient(entry & 0xFF);
+  // A symbol whose code is short.
+  HWY_INLINE Progress stepShort() {
+    const BitWindow::Code code = window.peekShort(shortCodes);
+    if ((code.symbol & 15) != 0) [[likely]] {
+      window.consumeShort(code);
+      return takeCoefficient(code.symbol);
     }
-    if (entry != 0) {
-      window.consumeShort(entry);
-      return takeSymbol(entry);
-    }
-    entry = window.peekLong(spec);
-    if (entry == 0) return Progress::kDeclined;
-    window.consumeLong(entry);
-    return takeSymbol(entry);
+    if (code.length == 0) return Progress::kLongCode;
+    window.consumeShort(code);
+    return takeRun(code.symbol);
   }
 
-  // Another symbol from the same window if its code is short, so that the window suffices.
-  HWY_INLINE Progress stepIfShort() {
-    const uint32_t entry = window.peekShort(spec);
-    if ((entry & 15) != 0) [[likely]] {
-      window.consumeShort(entry);
-      return takeCoefficient(entry & 0xFF);
-    }
-    if (entry == 0) return Progress::kGoesOn;
-    window.consumeShort(entry);
-    return takeSymbol(entry);
+  HWY_INLINE Progress stepLong() {
+    const BitWindow::Code code = window.peekLong(spec);
+    if (code.length == 0) return Progress::kDeclined;
+    window.consumeLong(code);
+    return (code.symbol & 15) != 0 ? takeCoefficient(code.symbol) : takeRun(code.symbol);
   }
 };
 
@@ -97,23 +87,23 @@ bool decodeBlock(SourceBytes& source, HuffmanDecodeState& state, int16_t* block,
   BitWindow window(source, state);
   clearBlock(block);
   if (!window.refill()) return false;
-  uint32_t entry = window.peekShort(dcSpec);
-  if (entry != 0) [[likely]] {
-    window.consumeShort(entry);
-  } else {
-    entry = window.peekLong(dcSpec);
-    if (entry == 0) return false;
-    window.consumeLong(entry);
-  }
-  const int16_t dc = static_cast<int16_t>(lastDc + window.takeExtraBits(entry & 15));
+  const BitWindow::Code code = window.takeCode(dcSpec);
+  if (code.length == 0) return false;
+  const int16_t dc = static_cast<int16_t>(lastDc + window.takeExtraBits(code.symbol & 15));
   storeUnaligned(block, dc);
 
   AcDecoder ac{window, acSpec, block};
   Progress progress = Progress::kGoesOn;
   while (progress == Progress::kGoesOn) {
     if (!window.refill()) return false;
-    progress = ac.step();
-    if (progress == Progress::kGoesOn) progress = ac.stepIfShort();
+    // A full window is enough for two short codes with their extra bits, or for a long one.
+    progress = ac.stepShort();
+    if (progress == Progress::kGoesOn) {
+      progress = ac.stepShort();
+      if (progress == Progress::kLongCode) progress = Progress::kGoesOn;
+    } else if (progress == Progress::kLongCode) {
+      progress = ac.stepLong();
+    }
   }
   if (progress == Progress::kDeclined || !window.commit(source, state)) return false;
   lastDc = dc;
@@ -129,16 +119,9 @@ int64_t decodeDifferences(SourceBytes& source, HuffmanDecodeState& state, int16_
   ptrdiff_t sample = 0;
   for (; done < count && window.refill(); ++done) {
     const HuffmanDecodeSpec& spec = *specs[component];
-    uint32_t entry = window.peekShort(spec);
-    if (entry != 0) [[likely]] {
-      window.consumeShort(entry);
-    } else {
-      entry = window.peekLong(spec);
-      if (entry == 0) break;
-      window.consumeLong(entry);
-    }
-    const uint32_t size = entryValue(entry);
-    const int32_t value = size > 15 ? -32768 : window.takeExtraBits(size);
+    const BitWindow::Code code = window.takeCode(spec);
+    if (code.length == 0) break;
+    const int32_t value = code.symbol > 15 ? -32768 : window.takeExtraBits(code.symbol);
     storeUnaligned(rows[component] + sample, static_cast<int16_t>(value));
     if (++component == components) {
       component = 0;

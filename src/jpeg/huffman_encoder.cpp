@@ -14,15 +14,15 @@ constexpr uint32_t kZeroRun16 = 0xF0;
 
 // A code, then the extra bits of its value.
 template <class Writer>
-StatusCode putValue(Writer& writer, uint32_t entry, int32_t value, uint32_t category) {
+StatusCode putValue(Writer& writer, TableEntry entry, int32_t value, uint32_t category) {
   if (const StatusCode status = writer.putCode(entry)) return status;
   return category == 0 ? StatusOk : writer.put(extraBits(value), category);
 }
 
 // The magnitude of -32768 has 16 bits: after 15 zeros its symbol is one too large to have a code.
-uint32_t acEntry(const HuffmanEncodeSpec& spec, uint32_t run, uint32_t category) {
+TableEntry acEntry(const HuffmanEncodeSpec& spec, uint32_t run, uint32_t category) {
   const uint32_t symbol = (run << 4) + category;
-  return symbol < 256 ? spec.codes[symbol] : 0;
+  return symbol < 256 ? spec.codes[symbol] : TableEntry{};
 }
 
 template <class Writer>
