@@ -116,7 +116,8 @@ HWY_INLINE bool commit(const BitBuffer& buffer, Destination dst, HuffmanEncodeSt
 
 bool encodeBlock(const int16_t* block, int32_t dcDifference, const HuffmanEncodeSpec& dcSpec,
                  const HuffmanEncodeSpec& acSpec, Destination dst, HuffmanEncodeState& state) {
-  BitBuffer buffer(pendingBits(state), state.bitCount);
+  BitBufferMemory memory;
+  BitBuffer buffer(memory, pendingBits(state), state.bitCount);
   return collectBlock(buffer, block, dcDifference, dcSpec, acSpec) && commit(buffer, dst, state);
 }
 
@@ -125,7 +126,8 @@ bool encodeDirectBlock(const int16_t* block, int32_t dcDifference, const Huffman
   uint8_t* begun = dst + (bitPosition >> 3);
   const uint32_t count = static_cast<uint32_t>(bitPosition) & 7;
   const uint64_t pending = count == 0 ? 0 : uint64_t{*begun} >> (8 - count) << (64 - count);
-  BitBuffer buffer(pending, count);
+  BitBufferMemory memory;
+  BitBuffer buffer(memory, pending, count);
   if (!collectBlock(buffer, block, dcDifference, dcSpec, acSpec)) return false;
   uint8_t* end = copyStuffed(begun, buffer.bytes(), buffer.size());
   if (buffer.pendingCount() != 0) *end = static_cast<uint8_t>(buffer.pending() >> 56);
@@ -140,7 +142,8 @@ int64_t encodeDifferences(const int16_t* const rows[], int64_t count, int32_t co
   int32_t component = 0;
   ptrdiff_t sample = 0;
   while (done < count) {
-    BitBuffer buffer(pendingBits(state), state.bitCount);
+    BitBufferMemory memory;
+    BitBuffer buffer(memory, pendingBits(state), state.bitCount);
     const int64_t end = HWY_MIN(done + kChunk, count);
     for (int64_t i = done; i < end; ++i) {
       const int32_t value = loadUnaligned(rows[component] + sample);
