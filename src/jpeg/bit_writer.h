@@ -18,7 +18,7 @@ constexpr uint32_t magnitudeCategory(int32_t value) {
 }
 
 // The extra bits of a value are the low bits, as many as its category has, of this (T.81 F.1.2.1.1).
-constexpr uint32_t extraBits(int32_t value) { return static_cast<uint32_t>(value < 0 ? value - 1 : value); }
+constexpr uint32_t extraBits(int32_t value) { return static_cast<uint32_t>(value + (value >> 31)); }
 
 // Appends to a destination of limited length.
 class BitWriter {
