@@ -82,9 +82,9 @@ struct AcDecoder {
   }
 };
 
-bool decodeBlock(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, int16_t& lastDc,
-                 const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec) {
-  BitWindow window(source, state);
+bool decodeBlock(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state, int16_t* block,
+                 int16_t& lastDc, const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec) {
+  BitWindow window(source, length, position, state);
   clearBlock(block);
   if (!window.refill()) return false;
   const BitWindow::Code code = window.takeCode(dcSpec);
@@ -105,15 +105,16 @@ bool decodeBlock(SourceBytes& source, HuffmanDecodeState& state, int16_t* block,
       progress = ac.stepLong();
     }
   }
-  if (progress == Progress::kDeclined || !window.commit(source, state)) return false;
+  if (progress == Progress::kDeclined || !window.commit(source, position, state)) return false;
   lastDc = dc;
   state.lastPosition = static_cast<int32_t>(ac.position);
   return true;
 }
 
-int64_t decodeDifferences(SourceBytes& source, HuffmanDecodeState& state, int16_t* const rows[], int64_t count,
-                          int32_t components, const HuffmanDecodeSpec* const specs[]) {
-  BitWindow window(source, state);
+int64_t decodeDifferences(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state,
+                          int16_t* const rows[], int64_t count, int32_t components,
+                          const HuffmanDecodeSpec* const specs[]) {
+  BitWindow window(source, length, position, state);
   int64_t done = 0;
   int32_t component = 0;
   ptrdiff_t sample = 0;
@@ -129,7 +130,7 @@ int64_t decodeDifferences(SourceBytes& source, HuffmanDecodeState& state, int16_
     }
   }
   // A full window before each of them leaves no more than BitReader would have read as well.
-  return window.commit(source, state) ? done : 0;
+  return window.commit(source, position, state) ? done : 0;
 }
 
 constexpr HuffmanDecodeKernels kernels = {&decodeBlock, &decodeDifferences};

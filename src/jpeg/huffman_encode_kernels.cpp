@@ -69,7 +69,8 @@ class AcEncoder {
       run %= 16;
     }
     const auto [category, bits] = coefficients_.at(position);
-    if (category > kLargestCategory) [[unlikely]] return false;
+    if (category > kLargestCategory) [[unlikely]]
+      return false;
     const TableEntry entry = codes_[run << 4 | category];
     putCode(buffer_, entry, bits, category);
     return entry.length != 0;
