@@ -43,8 +43,8 @@ class BitWindow {
   };
   // Of up to 8 bits; `lookup` is the table's fastLookup.
   HWY_INLINE Code peekShort(const TableEntry* lookup) const {
-    const TableEntry& entry = lookup[bits_ >> 56];
-    return {entry.value, entry.length};
+    const auto entry = std::bit_cast<uint32_t>(lookup[bits_ >> 56]);
+    return {entry & 0xFF, entry >> 16};
   }
   // Of 9 to 16 bits.
   HWY_INLINE Code peekLong(const HuffmanDecodeSpec& spec) const {
@@ -73,14 +73,14 @@ class BitWindow {
     }
     return code;
   }
-  // The value of category `size`, 0 to 15, from its extra bits.
+  // The value of category `size`, 1 to 15, from its extra bits.
   HWY_INLINE int32_t takeExtraBits(uint32_t size) {
-    const int32_t ifPositive = static_cast<int32_t>(bits_ >> 1 >> (63 - size));
-    const int32_t ifNegative = ifPositive + kOffsetOfNegative[size];
-    const bool positive = static_cast<int64_t>(bits_) < 0;
-    topUpTo(size);
+    const auto bits = static_cast<uint32_t>(bits_ >> (64 - size));
+    // Signs cannot be predicted: a mask instead of a branch.
+    const auto negative = static_cast<uint32_t>(static_cast<int64_t>(~bits_) >> 63);
+    topUpTo(static_cast<ptrdiff_t>(size));
     consume(size);
-    return positive ? ifPositive : ifNegative;
+    return static_cast<int32_t>(bits - (negative & ((1u << size) - 1)));
   }
 
   // Leaves behind what BitReader would. False if that takes bytes which are not there.
@@ -100,10 +100,6 @@ class BitWindow {
   }
 
  private:
-  // T.81 F.2.2.1, by category.
-  static constexpr int16_t kOffsetOfNegative[16] = {0,    -1,   -3,    -7,    -15,   -31,   -63,    -127,
-                                                    -255, -511, -1023, -2047, -4095, -8191, -16383, -32767};
-
   HWY_INLINE void consume(uint32_t count) {
     bits_ <<= count;
     count_ -= static_cast<ptrdiff_t>(count);
