@@ -13,7 +13,10 @@ ScanDecoder::ScanDecoder(std::span<const uint8_t> file, size_t position, std::ve
       length_(static_cast<int32_t>(file.size())),
       position_(static_cast<int32_t>(position)),
       restartInterval_(restartInterval),
-      untilRestart_(restartInterval) {}
+      untilRestart_(restartInterval) {
+  // Where a file is cut after 0xFF, that byte says nothing, but the bits before it are worth decoding.
+  while (length_ > position_ && file[static_cast<size_t>(length_ - 1)] == 0xff) --length_;
+}
 
 void ScanDecoder::decode(std::span<const McuBlock> mcu, int32_t count) {
   for (int32_t i = 0; i < count; ++i) {
