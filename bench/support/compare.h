@@ -6,38 +6,46 @@
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "core/isa.h"
 
 namespace zorj::bench {
 
-// One way of doing a row's work once. `prepare` runs untimed before a repetition and sets the instruction-set level.
+// Registers the comparisons of a benchmark program; every <topic>_bench.cpp defines it.
+void registerComparisons();
+
+// One way of doing a row's work once, at an instruction-set level or the next lower one there is.
 struct Variant {
   std::string name;
   std::function<void()> run;
   Isa isa = Isa::kAvx512;
 };
 
-// Registers the benchmarks "row/variant". The first variant is the one the report compares the others with; `pixels`
-// (or bytes, or blocks: `unit`) is how much one run does.
-inline void compare(const std::string& row, double amount, const std::string& unit, std::vector<Variant> variants) {
-  for (Variant& variant : variants) {
-    benchmark::RegisterBenchmark(
-        (row + "/" + variant.name).c_str(), [variant = std::move(variant), amount, unit](benchmark::State& state) {
-          if (setIsa(variant.isa) != variant.isa && variant.isa != Isa::kAvx512) {
-            state.SkipWithError("the processor lacks this level");
-            return;
-          }
-          for (auto _ : state) {
-            variant.run();
-            benchmark::ClobberMemory();
-          }
-          setIsa(Isa::kAvx512);
-          state.counters[unit] = benchmark::Counter(amount, benchmark::Counter::kIsIterationInvariantRate);
-        });
+// Registers a row of the report: `run` does `amount` units (pixels, blocks, bytes) of work. The report tells how many
+// times as fast as each of the others the first variant is.
+inline void compare(const std::string& row, double amount, const std::string& unit,
+                    const std::vector<Variant>& variants) {
+  for (const Variant& variant : variants) {
+    benchmark::RegisterBenchmark((row + "/" + variant.name).c_str(), [=](benchmark::State& state) {
+      setIsa(variant.isa);
+      for (auto _ : state) {
+        variant.run();
+        benchmark::ClobberMemory();
+      }
+      setIsa(Isa::kAvx512);
+      state.counters[unit] = benchmark::Counter(amount, benchmark::Counter::kIsIterationInvariant);
+    });
   }
+}
+
+// The levels below AVX2 as further variants of a row whose first variant runs `run` at AVX2 or AVX-512.
+inline std::vector<Variant> atEveryLevel(const std::function<void()>& run) {
+  return {{"AVX2", run, Isa::kAvx2},
+          {"AVX-512", run, Isa::kAvx512},
+          {"SSE4", run, Isa::kSse4},
+          {"SSSE3", run, Isa::kSsse3},
+          {"portable", run, Isa::kPortable}};
 }
 
 }  // namespace zorj::bench
