@@ -169,7 +169,7 @@ class HuffmanReader {
   int held() const { return static_cast<int>(bits_.size() - consumed_); }
   uint32_t buffer() const {
     uint32_t word = 0;
-    for (const bool bit : bits_) word = word << 1 | bit;
+    for (size_t i = 32; i > 0; --i) word = word << 1 | (i <= bits_.size() && bits_[bits_.size() - i]);
     return word;
   }
   // Starts with bits that were read before.
@@ -211,8 +211,9 @@ class HuffmanReader {
     return value;
   }
   uint32_t peek(int count) const {
-    HuffmanReader ahead = *this;
-    return ahead.take(count);
+    uint32_t value = 0;
+    for (size_t i = 0; i < static_cast<size_t>(count); ++i) value = value << 1 | bits_[consumed_ + i];
+    return value;
   }
 
  private:
