@@ -47,7 +47,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::write(std::span<const uint8_t> bytes) {
-  if (std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) fail();
+  if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file_) != bytes.size()) fail();
 }
 
 void OutputFile::commit() {
