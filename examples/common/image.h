@@ -32,7 +32,7 @@ struct Image {
   const uint8_t* at(int32_t x, int32_t y) const { return samples.data() + offset(x, y); }
 
  private:
-  ptrdiff_t offset(int32_t x, int32_t y) const { return static_cast<ptrdiff_t>(y) * step() + x * channels; }
+  ptrdiff_t offset(int32_t x, int32_t y) const { return ptrdiff_t{y} * step() + ptrdiff_t{x} * channels; }
 };
 
 }  // namespace examples

@@ -52,7 +52,7 @@ void setConversions(png_structp png, png_infop info) {
 
 // libpng reports errors by longjmp: nothing in the two functions that call it may need a destructor.
 bool readPixels(png_structp png, png_infop info, Input& input, Image& image, std::vector<png_bytep>& rows) {
-  if (setjmp(png_jmpbuf(png))) return false;
+  if (setjmp(png_jmpbuf(png))) return false;  // NOLINT(cert-err52-cpp): it is libpng's way
   png_set_read_fn(png, &input, readInput);
   png_read_info(png, info);
   setConversions(png, info);
@@ -72,7 +72,7 @@ bool readPixels(png_structp png, png_infop info, Input& input, Image& image, std
 }
 
 bool writePixels(png_structp png, png_infop info, OutputFile& file, const Image& image) {
-  if (setjmp(png_jmpbuf(png))) return false;
+  if (setjmp(png_jmpbuf(png))) return false;  // NOLINT(cert-err52-cpp): it is libpng's way
   png_init_io(png, file.stream());
   png_set_IHDR(png, info, static_cast<png_uint_32>(image.width), static_cast<png_uint_32>(image.height), 8,
                image.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,

@@ -80,7 +80,7 @@ void writePnm(const Image& image, int32_t channels, OutputFile& file) {
   }
   std::vector<uint8_t> row(static_cast<size_t>(image.width) * 3);
   for (int32_t y = 0; y < image.height; ++y) {
-    for (int32_t x = 0; x < image.width; ++x) std::fill_n(row.begin() + 3 * x, 3, *image.at(x, y));
+    for (int32_t x = 0; x < image.width; ++x) std::fill_n(row.begin() + ptrdiff_t{3} * x, 3, *image.at(x, y));
     file.write(row);
   }
 }

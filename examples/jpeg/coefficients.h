@@ -11,7 +11,7 @@
 
 namespace examples::jpeg {
 
-constexpr int32_t kBlockSize = 64;  // coefficients
+constexpr ptrdiff_t kBlockSize = 64;  // coefficients
 constexpr size_t kMaxComponents = 4;
 
 // Some of a component's blocks, seen from the first of them: 64 coefficients each in natural order, in raster order.
@@ -19,7 +19,7 @@ struct Blocks {
   int16_t* first = nullptr;
   int32_t perRow = 0;
 
-  int16_t* at(int32_t column, int32_t row) const { return first + (ptrdiff_t(row) * perRow + column) * kBlockSize; }
+  int16_t* at(int32_t column, int32_t row) const { return first + (ptrdiff_t{row} * perRow + column) * kBlockSize; }
 };
 
 // The blocks of a rectangle of whole MCUs, all zero at first.

@@ -171,9 +171,10 @@ std::vector<ComponentSamples> inverseTransform(CoefficientImage& coefficients) {
     plane.samples.resize(size_t(plane.width) * size_t(plane.height));
     const Blocks blocks = coefficients.mcus.blocks(c, 0, 0);
     for (int32_t y = 0; y < plane.height; y += 8) {
+      uint8_t* const rows = plane.samples.data() + ptrdiff_t{y} * plane.width;
       for (int32_t x = 0; x < plane.width; x += 8) {
-        zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(blocks.at(x / 8, y / 8), plane.samples.data() + y * plane.width + x,
-                                            plane.width, coefficients.quantTables[c].data());
+        zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(blocks.at(x / 8, y / 8), rows + x, plane.width,
+                                            coefficients.quantTables[c].data());
       }
     }
     result.push_back(std::move(plane));

@@ -64,7 +64,7 @@ void ForwardTransform::run(int32_t mcuColumn, int32_t mcuRow, int32_t count, Mcu
   const Blocks target[3] = {mcus.blocks(0, targetColumn, targetRow), mcus.blocks(1, targetColumn, targetRow),
                             mcus.blocks(2, targetColumn, targetRow)};
   alignas(64) int16_t samples[6 * kBlockSize];
-  int16_t* const chroma = samples + luma.horizontal * luma.vertical * kBlockSize;
+  int16_t* const chroma = samples + kBlockSize * luma.horizontal * luma.vertical;
   int16_t* const planes[3] = {samples, chroma, chroma + kBlockSize};
   for (int32_t i = 0; i < count; ++i) {
     int32_t step = 0;

@@ -26,7 +26,7 @@ class ForwardTransform {
   int32_t mcuWidth_;
   int32_t mcuHeight_;
   std::array<QuantTable, kMaxComponents> tables_;
-  std::array<uint8_t, 16 * 16 * 3> tile_;  // an MCU that reaches over the image's edge
+  std::array<uint8_t, size_t{16} * 16 * 3> tile_;  // an MCU that reaches over the image's edge
 };
 
 }  // namespace examples::jpeg

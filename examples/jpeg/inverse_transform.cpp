@@ -33,7 +33,7 @@ InverseTransform::InverseTransform(const Frame& frame, const std::array<QuantTab
   image.reshape(frame.width, frame.height, components.size() == 1 ? 1 : 3);
   if (components.size() == 1) return;
   for (size_t c = 0; c < 3; ++c) {
-    samples_[c].values.resize(size_t(components[c].horizontal * components[c].vertical) * kBlockSize);
+    samples_[c].values.resize(static_cast<size_t>(kBlockSize * components[c].horizontal * components[c].vertical));
   }
   const bool plainChroma = hasFactors(components[1], 1, 1) && hasFactors(components[2], 1, 1);
   if (plainChroma && hasFactors(components[0], 1, 1)) {
@@ -46,18 +46,19 @@ InverseTransform::InverseTransform(const Frame& frame, const std::array<QuantTab
 }
 
 void InverseTransform::planPixelReplication() {
-  const int32_t tilesWide = mcuWidth_ / 8;
+  const int32_t maxHorizontal = frame_.maxHorizontal();
+  const int32_t maxVertical = frame_.maxVertical();
   for (size_t c = 0; c < 3; ++c) {
     const Component& component = frame_.components[c];
-    samples_[c].positions.resize(size_t(mcuWidth_ * mcuHeight_));
+    samples_[c].positions.resize(static_cast<size_t>(mcuWidth_) * static_cast<size_t>(mcuHeight_));
     for (int32_t y = 0; y < mcuHeight_; ++y) {
       for (int32_t x = 0; x < mcuWidth_; ++x) {
-        const int32_t column = x * component.horizontal / (mcuWidth_ / 8);
-        const int32_t row = y * component.vertical / (mcuHeight_ / 8);
+        const int32_t column = x * component.horizontal / maxHorizontal;
+        const int32_t row = y * component.vertical / maxVertical;
         const int32_t block = row / 8 * component.horizontal + column / 8;
-        const int32_t tile = y / 8 * tilesWide + x / 8;
-        samples_[c].positions[size_t(tile * kBlockSize + y % 8 * 8 + x % 8)] =
-            static_cast<uint16_t>(block * kBlockSize + row % 8 * 8 + column % 8);
+        const int32_t tile = y / 8 * maxHorizontal + x / 8;
+        samples_[c].positions[static_cast<size_t>(kBlockSize * tile + ptrdiff_t{8} * (y % 8) + x % 8)] =
+            static_cast<uint16_t>(kBlockSize * block + ptrdiff_t{8} * (row % 8) + column % 8);
       }
     }
   }
@@ -105,7 +106,7 @@ void InverseTransform::transformMcu(const Blocks* sources, int32_t index) {
 
 void InverseTransform::convertMcu(int32_t left, int32_t top) {
   if (!convert_) {
-    for (int32_t tile = 0; tile < mcuWidth_ * mcuHeight_ / kBlockSize; ++tile) convertTile(tile, left, top);
+    for (int32_t tile = 0; tile < (mcuWidth_ / 8) * (mcuHeight_ / 8); ++tile) convertTile(tile, left, top);
     return;
   }
   const int16_t* const planes[3] = {samples_[0].values.data(), samples_[1].values.data(), samples_[2].values.data()};
@@ -137,7 +138,7 @@ void InverseTransform::copyVisible(const uint8_t* pixels, int32_t step, int32_t 
                                    int32_t height) {
   const size_t bytes = static_cast<size_t>(std::min(width, image_.width - left) * image_.channels);
   for (int32_t y = 0; y < std::min(height, image_.height - top); ++y) {
-    std::memcpy(image_.at(left, top + y), pixels + y * step, bytes);
+    std::memcpy(image_.at(left, top + y), pixels + ptrdiff_t{y} * step, bytes);
   }
 }
 

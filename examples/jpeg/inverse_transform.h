@@ -44,7 +44,7 @@ class InverseTransform {
   int32_t mcuHeight_;
   ToPixels convert_ = nullptr;  // for a whole MCU; null where tiles are converted one by one
   Samples samples_[3];
-  std::array<uint8_t, 16 * 16 * 3> edge_;  // pixels that reach over the image's edge
+  std::array<uint8_t, size_t{16} * 16 * 3> edge_;  // pixels that reach over the image's edge
 };
 
 }  // namespace examples::jpeg

@@ -21,9 +21,6 @@ constexpr const char* kFooter =
     "Exit status: 0 done; 1 failed, no output file; 2 bad command line; 3 the JPEG file is damaged or truncated and "
     "was decoded as far as it goes.";
 
-const std::map<std::string, jpeg::Sampling> kSamplings = {
-    {"444", jpeg::Sampling::s444}, {"422", jpeg::Sampling::s422}, {"411", jpeg::Sampling::s411}};
-
 struct Paths {
   std::string input;
   std::string output;
@@ -61,13 +58,15 @@ void describeEncode(CLI::App& command, Paths& paths, jpeg::EncodeOptions& option
   command.add_option("--quality", options.quality, "from 1 (smallest) to 100 (best)")
       ->check(CLI::Range(1, 100))
       ->capture_default_str();
+  static const std::map<std::string, jpeg::Sampling> samplings = {
+      {"444", jpeg::Sampling::s444}, {"422", jpeg::Sampling::s422}, {"411", jpeg::Sampling::s411}};
   command
       .add_option_function<std::string>(
-          "--sampling", [&options](const std::string& name) { options.sampling = kSamplings.at(name); },
+          "--sampling", [&options](const std::string& name) { options.sampling = samplings.at(name); },
           "chroma sampling of colour images: 444 a sample for each pixel (the default), 422 for 2 x 1 pixels, "
           "411 for 2 x 2")
       ->option_text("444|422|411")
-      ->check(CLI::IsMember(kSamplings));
+      ->check(CLI::IsMember(samplings));
   command.add_option("--restart", options.restartInterval, "write a restart marker every so many MCUs; 0 for none")
       ->check(CLI::Range(0, 65535))
       ->capture_default_str();

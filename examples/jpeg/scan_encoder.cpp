@@ -10,7 +10,7 @@ namespace examples::jpeg {
 namespace {
 
 // 20 bits for the DC difference, 63 times 26 for AC codes and values, every byte stuffed.
-constexpr size_t kMaxBlockBytes = 2 * ((20 + 63 * 26 + 7) / 8);
+constexpr size_t kMaxBlockBytes = 2 * ((20 + 63 * 26 + size_t{7}) / 8);
 // A restart marker with the byte it completes, stuffed.
 constexpr size_t kMaxRestartBytes = 4;
 // The block encoder is quicker while it has room to spare.

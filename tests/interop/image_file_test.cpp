@@ -20,7 +20,7 @@ Image readBytes(const std::string& bytes) {
   examples::OutputFile file(path);
   file.write(std::span(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()));
   file.commit();
-  const Image image = examples::readImage(path);
+  Image image = examples::readImage(path);
   std::filesystem::remove(path);
   return image;
 }
@@ -58,7 +58,7 @@ std::vector<uint8_t> readPngRow(int colorType, int depth, uint32_t width, std::v
   png_write_end(png, info);
   png_destroy_write_struct(&png, &info);
   std::fclose(file);
-  const Image image = examples::readImage(path);
+  Image image = examples::readImage(path);
   std::filesystem::remove(path);
   EXPECT_EQ(image.width, static_cast<int32_t>(width));
   return image.samples;

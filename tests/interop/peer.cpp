@@ -123,8 +123,9 @@ std::vector<examples::jpeg::ComponentSamples> peerPlanes(std::span<const uint8_t
   for (int32_t y = 0; y < rowsOfMcus; ++y) {
     JSAMPARRAY arrays[MAX_COMPONENTS];
     for (size_t c = 0; c < planes.size(); ++c) {
-      uint8_t* const first = planes[c].samples.data() + y * static_cast<int32_t>(rows[c].size()) * planes[c].width;
-      for (size_t i = 0; i < rows[c].size(); ++i) rows[c][i] = first + static_cast<int32_t>(i) * planes[c].width;
+      const size_t width = static_cast<size_t>(planes[c].width);
+      uint8_t* const first = planes[c].samples.data() + static_cast<size_t>(y) * rows[c].size() * width;
+      for (size_t i = 0; i < rows[c].size(); ++i) rows[c][i] = first + i * width;
       arrays[c] = rows[c].data();
     }
     jpeg_read_raw_data(&peer.codec, arrays, static_cast<JDIMENSION>(peer.codec.max_v_samp_factor * 8));
@@ -150,7 +151,8 @@ std::vector<PeerComponent> peerCoefficients(std::span<const uint8_t> jpeg) {
     for (JDIMENSION y = 0; y < info.height_in_blocks; ++y) {
       const JBLOCKARRAY row =
           peer.codec.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&peer.codec), arrays[c], y, 1, FALSE);
-      component.coefficients.insert(component.coefficients.end(), row[0][0], row[0][0] + 64 * info.width_in_blocks);
+      component.coefficients.insert(component.coefficients.end(), row[0][0],
+                                    row[0][0] + size_t{64} * info.width_in_blocks);
     }
     components.push_back(std::move(component));
   }
