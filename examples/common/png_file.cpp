@@ -39,15 +39,18 @@ void readInput(png_structp png, png_bytep destination, size_t count) {
   input.at += count;
 }
 
-// Every sort of PNG becomes 8-bit grey or RGB.
-void setConversions(png_structp png, png_infop info) {
-  png_set_expand(png);
-  png_set_scale_16(png);
-  if (png_get_color_type(png, info) & PNG_COLOR_MASK_ALPHA || png_get_valid(png, info, PNG_INFO_tRNS)) {
-    png_color_16 white = {0, 0xff, 0xff, 0xff, 0xff};
-    if (png_get_bit_depth(png, info) == 16) white.red = white.green = white.blue = white.gray = 0xffff;
-    png_set_background(png, &white, PNG_BACKGROUND_GAMMA_SCREEN, 0, 1.0);
+// Lays pixels of 2 or 4 channels, the last of which is the opacity, over white.
+Image overWhite(const Image& source) {
+  Image image(source.width, source.height, source.channels - 1);
+  const uint8_t* from = source.samples.data();
+  uint8_t* to = image.samples.data();
+  for (const uint8_t* const end = from + source.samples.size(); from != end; ++from) {
+    const int32_t opacity = from[image.channels];
+    for (int32_t c = 0; c < image.channels; ++c) {
+      *to++ = static_cast<uint8_t>((*from++ * opacity + 255 * (255 - opacity) + 127) / 255);
+    }
   }
+  return image;
 }
 
 // libpng reports errors by longjmp: nothing in the two functions that call it may need a destructor.
@@ -55,7 +58,8 @@ bool readPixels(png_structp png, png_infop info, Input& input, Image& image, std
   if (setjmp(png_jmpbuf(png))) return false;  // NOLINT(cert-err52-cpp): it is libpng's way
   png_set_read_fn(png, &input, readInput);
   png_read_info(png, info);
-  setConversions(png, info);
+  png_set_expand(png);    // palettes to RGB, fewer than 8 bits to 8, transparent colours to opacity
+  png_set_scale_16(png);  // 16 bits to 8
   png_set_interlace_handling(png);
   png_read_update_info(png, info);
   const png_uint_32 width = png_get_image_width(png, info);
@@ -104,7 +108,7 @@ Image readPng(std::span<const uint8_t> bytes) {
   }
   png_destroy_read_struct(&png, &info, nullptr);
   if (!done) throw Error(message.text);
-  return image;
+  return image.channels % 2 == 0 ? overWhite(image) : image;
 }
 
 void writePng(const Image& image, OutputFile& file) {

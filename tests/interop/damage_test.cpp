@@ -46,7 +46,7 @@ TEST(Damage, TruncatedAnywhereDecodesAsFarAsItGoes) {
       const int now = equalMcus(image, whole);
       EXPECT_GE(now, equal) << length;
       equal = now;
-      if (now == 0 && scans.empty()) {
+      if (now + 1 < equalMcus(whole, whole) && scans.empty()) {
         EXPECT_EQ(image.samples.back(), 128) << "what is missing is grey";
       }
     }

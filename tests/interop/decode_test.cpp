@@ -78,8 +78,10 @@ TEST(Decode, ReadsWideQuantTablesAndRgb) {
   PeerSettings rgb;
   rgb.rgbCoded = true;
   expectReadsPeer(image, rgb);
-  rgb.factors[0] = {2, 1};
-  expectReadsPeer(image, rgb);
+  for (const Factors factors : {Factors{2, 1}, Factors{2, 2}}) {
+    rgb.factors[0] = factors;
+    expectReadsPeer(image, rgb);
+  }
 }
 
 // A row of MCUs goes through the decoder in several pieces, and restart numbers come round after eight.

@@ -34,6 +34,35 @@ TEST(Encode, PeerReadsEverySizeAndSampling) {
   }
 }
 
+TEST(Encode, SamplesChromaAsAsked) {
+  const std::pair<jpeg::Sampling, std::pair<int, int>> blocks[] = {
+      {jpeg::Sampling::s444, {5, 5}}, {jpeg::Sampling::s422, {3, 5}}, {jpeg::Sampling::s411, {3, 3}}};
+  for (const auto& [sampling, chroma] : blocks) {
+    std::vector<uint8_t> file;
+    jpeg::encode(picture(33, 33, 3), {75, sampling, 0}, file);
+    const std::vector<PeerComponent> components = peerCoefficients(file);
+    EXPECT_EQ(std::pair(components[0].blocksWide, components[0].blocksHigh), std::pair(5, 5));
+    EXPECT_EQ(std::pair(components[1].blocksWide, components[1].blocksHigh), chroma);
+    EXPECT_EQ(std::pair(components[2].blocksWide, components[2].blocksHigh), chroma);
+  }
+}
+
+// What lies beyond the edges repeats the last column and row, so it costs next to nothing.
+TEST(Encode, RepeatsTheLastPixels) {
+  for (const int channels : {1, 3}) {
+    Image image = picture(9, 9, channels);
+    for (int i = 0; i < 9; ++i) {
+      std::fill_n(image.at(8, i), channels, uint8_t{200});
+      std::fill_n(image.at(i, 8), channels, uint8_t{200});
+    }
+    jpeg::CoefficientImage coded = jpeg::transform(image, {100, jpeg::Sampling::s444, 0});
+    for (const auto& [x, y] : {std::pair(1, 0), std::pair(0, 1), std::pair(1, 1)}) {
+      const int16_t* const block = coded.mcus.blocks(0, 0, 0).at(x, y);
+      EXPECT_EQ(std::count(block + 1, block + 64, 0), 63) << "block " << x << ", " << y;
+    }
+  }
+}
+
 // A row of MCUs goes through the encoder in several pieces, and restart numbers come round after eight.
 TEST(Encode, PeerReadsWideImages) {
   expectPeerReads(picture(1031, 37, 3), {90, jpeg::Sampling::s444, 0});

@@ -69,10 +69,11 @@ TEST(ImageFile, ConvertsEverySortOfPng) {
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_GRAY, 8, 2, {7, 200}), (Samples{7, 200}));
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_GRAY, 2, 4, {0b00011011}), (Samples{0, 85, 170, 255}));
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_GRAY, 16, 2, {0x80, 0x00, 0x01, 0xff}), (Samples{128, 2}));
-  EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_GRAY_ALPHA, 8, 2, {9, 255, 9, 0}), (Samples{9, 255}));
+  EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_GRAY_ALPHA, 8, 3, {9, 255, 9, 0, 5, 51}), (Samples{9, 255, 205}));
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_RGB, 8, 1, {1, 2, 3}), (Samples{1, 2, 3}));
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_RGB_ALPHA, 8, 2, {1, 2, 3, 255, 1, 2, 3, 0}), (Samples{1, 2, 3, 255, 255, 255}));
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_RGB_ALPHA, 16, 1, {1, 1, 2, 2, 3, 3, 0xff, 0xff}), (Samples{1, 2, 3}));
+  EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_GRAY_ALPHA, 16, 1, {1, 1, 0, 0}), (Samples{255}));
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_PALETTE, 8, 3, {2, 1, 0}), (Samples{0, 0, 255, 255, 255, 255, 255, 0, 0}));
 }
 
@@ -86,6 +87,22 @@ TEST(ImageFile, RefusesDamagedPng) {
   for (size_t length = 8; length + 12 < text.size(); length += 97) {
     EXPECT_THROW(readBytes(text.substr(0, length)), std::runtime_error) << length;
   }
+}
+
+TEST(OutputFile, AppearsOnlyWhenComplete) {
+  const std::filesystem::path directory = temporary("output");
+  std::filesystem::create_directory(directory);
+  const std::string path = (directory / "file").string();
+  { examples::OutputFile(path).write(std::vector<uint8_t>(100000)); }
+  EXPECT_TRUE(std::filesystem::is_empty(directory));
+  {
+    examples::OutputFile file(path);
+    file.write(std::vector<uint8_t>(100000));
+    EXPECT_FALSE(std::filesystem::exists(path));
+    file.commit();
+  }
+  EXPECT_EQ(std::filesystem::file_size(path), 100000u);
+  EXPECT_EQ(std::filesystem::remove_all(directory), 2u);
 }
 
 }  // namespace
