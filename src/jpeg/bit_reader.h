@@ -68,10 +68,10 @@ class BitReader {
       if (const StatusCode status = refill(0)) return status;
       if (state_.bitCount < kFastBits) return searchCode(spec, 1, symbol);
     }
-    const uint32_t entry = spec.fastLookup[state_.bitBuffer >> (state_.bitCount - kFastBits) & 0xFF];
-    if (entry == 0) return searchCode(spec, kFastBits + 1, symbol);
-    state_.bitCount -= static_cast<int32_t>(entryLength(entry));
-    symbol = entryValue(entry);
+    const TableEntry entry = spec.fastLookup[state_.bitBuffer >> (state_.bitCount - kFastBits) & 0xFF];
+    if (entry.length == 0) return searchCode(spec, kFastBits + 1, symbol);
+    state_.bitCount -= entry.length;
+    symbol = entry.value;
     return StatusOk;
   }
 

@@ -40,7 +40,7 @@ class BitWriter {
     return StatusOk;
   }
 
-  StatusCode putCode(uint32_t entry) { return put(entryValue(entry), entryLength(entry)); }
+  StatusCode putCode(TableEntry entry) { return put(entry.value, entry.length); }
 
   // Fills the last byte with ones and starts afresh.
   StatusCode flush() {
@@ -86,7 +86,7 @@ class DirectBitWriter {
     return StatusOk;
   }
 
-  StatusCode putCode(uint32_t entry) { return put(entryValue(entry), entryLength(entry)); }
+  StatusCode putCode(TableEntry entry) { return put(entry.value, entry.length); }
 
   // Writes the begun byte and returns the bit position.
   int32_t finish() {

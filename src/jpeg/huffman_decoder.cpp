@@ -3,7 +3,7 @@
 
 #include "core/checks.h"
 #include "core/unaligned.h"
-#include "jpeg/bit_reader.h"
+#include "jpeg/huffman_decode_kernels.h"
 #include "jpeg/zigzag.h"
 
 namespace zorj {
@@ -82,12 +82,15 @@ StatusCode decodeDifference(BitReader& reader, const HuffmanDecodeSpec& spec, in
   return StatusOk;
 }
 
-StatusCode decodeRow(BitReader& reader, int16_t* const rows[], int32_t samples, int32_t components,
-                     const HuffmanDecodeSpec* const specs[]) {
-  for (int32_t i = 0; i < samples; ++i) {
-    for (int32_t c = 0; c < components; ++c) {
-      if (const StatusCode status = decodeDifference(reader, *specs[c], rows[c] + i)) return status;
-    }
+StatusCode decodeRow(SourceBytes& source, HuffmanDecodeState& state, int16_t* const rows[], int32_t samples,
+                     int32_t components, const HuffmanDecodeSpec* const specs[]) {
+  const int64_t count = int64_t{samples} * components;
+  int64_t i = 0;
+  if (canDecodeFast(source)) i = huffmanDecodeKernels().differences(source, state, rows, count, components, specs);
+  BitReader reader(source, state);
+  for (; i < count; ++i) {
+    const auto c = static_cast<size_t>(i % components);
+    if (const StatusCode status = decodeDifference(reader, *specs[c], rows[c] + i / components)) return status;
   }
   return StatusOk;
 }
@@ -117,6 +120,10 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int
   if (srcLength < 0) return StatusBadArgument;
   if (anyNull(pSrcPosition, pDst, pLastDC, pMarker, pDcSpec, pAcSpec, pState)) return StatusNullPointer;
   SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
+  if (canDecodeFast(source) && huffmanDecodeKernels().block(source, *pState, pDst, *pLastDC, *pDcSpec, *pAcSpec)) {
+    *pSrcPosition = source.position;
+    return StatusOk;
+  }
   BitReader reader(source, *pState);
   const BlockResult result = decodeBlock(reader, pDst, *pLastDC, *pDcSpec, *pAcSpec, pState->lastPosition);
   *pSrcPosition = source.position;
@@ -155,8 +162,7 @@ StatusCode ZORJ_CALL zoriDecodeHuffmanOne_JPEG_1u16s_C1(const uint8_t* pSrc, int
   if (srcLength < 1) return StatusBadSize;
   if (anyNull(pSrcPosition, pDst, pMarker, pSpec, pState)) return StatusNullPointer;
   SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
-  BitReader reader(source, *pState);
-  const StatusCode status = decodeDifference(reader, *pSpec, pDst);
+  const StatusCode status = decodeRow(source, *pState, &pDst, 1, 1, &pSpec);
   *pSrcPosition = source.position;
   *pMarker = source.marker;
   return status;
@@ -176,8 +182,7 @@ StatusCode ZORJ_CALL zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(const uint8_t* pSrc, i
     if (anyNull(pDst[c], pSpecs[c])) return StatusNullPointer;
   }
   SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
-  BitReader reader(source, *pState);
-  const StatusCode status = decodeRow(reader, pDst, samples, used, pSpecs);
+  const StatusCode status = decodeRow(source, *pState, pDst, samples, used, pSpecs);
   *pSrcPosition = source.position;
   *pMarker = source.marker;
   return status;

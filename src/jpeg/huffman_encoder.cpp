@@ -4,6 +4,7 @@
 #include "core/checks.h"
 #include "core/unaligned.h"
 #include "jpeg/bit_writer.h"
+#include "jpeg/huffman_encode_kernels.h"
 #include "jpeg/zigzag.h"
 
 namespace zorj {
@@ -14,22 +15,26 @@ constexpr uint32_t kZeroRun16 = 0xF0;
 
 // A code, then the extra bits of its value.
 template <class Writer>
-StatusCode putValue(Writer& writer, uint32_t entry, int32_t value, uint32_t category) {
+StatusCode putValue(Writer& writer, TableEntry entry, int32_t value, uint32_t category) {
   if (const StatusCode status = writer.putCode(entry)) return status;
   return category == 0 ? StatusOk : writer.put(extraBits(value), category);
 }
 
 // The magnitude of -32768 has 16 bits: after 15 zeros its symbol is one too large to have a code.
-uint32_t acEntry(const HuffmanEncodeSpec& spec, uint32_t run, uint32_t category) {
+TableEntry acEntry(const HuffmanEncodeSpec& spec, uint32_t run, uint32_t category) {
   const uint32_t symbol = (run << 4) + category;
-  return symbol < 256 ? spec.codes[symbol] : 0;
+  return symbol < 256 ? spec.codes[symbol] : TableEntry{};
+}
+
+// Makes the block's DC value the last and returns by how much it differs from the one before.
+int32_t advanceDc(const int16_t* block, int16_t& lastDc) {
+  const int16_t dc = loadUnaligned(block);
+  return dc - std::exchange(lastDc, dc);
 }
 
 template <class Writer>
-StatusCode encodeBlock(Writer& writer, const int16_t* block, int16_t& lastDc, const HuffmanEncodeSpec& dcSpec,
+StatusCode encodeBlock(Writer& writer, const int16_t* block, int32_t difference, const HuffmanEncodeSpec& dcSpec,
                        const HuffmanEncodeSpec& acSpec) {
-  const int16_t dc = loadUnaligned(block);
-  const int32_t difference = dc - std::exchange(lastDc, dc);
   const uint32_t dcCategory = magnitudeCategory(difference);
   if (const StatusCode status = putValue(writer, dcSpec.codes[dcCategory], difference, dcCategory)) return status;
 
@@ -57,11 +62,13 @@ StatusCode encodeDifference(BitWriter& writer, int32_t difference, const Huffman
 }
 
 StatusCode encodeRow(BitWriter& writer, const int16_t* const rows[], int32_t samples, int32_t components,
-                     const HuffmanEncodeSpec* const specs[]) {
-  for (int32_t i = 0; i < samples; ++i) {
-    for (int32_t c = 0; c < components; ++c) {
-      if (const StatusCode status = encodeDifference(writer, loadUnaligned(rows[c] + i), *specs[c])) return status;
-    }
+                     const HuffmanEncodeSpec* const specs[], Destination destination, HuffmanEncodeState& state) {
+  const int64_t count = int64_t{samples} * components;
+  int64_t i = huffmanEncodeKernels().differences(rows, count, components, specs, destination, state);
+  for (; i < count; ++i) {
+    const auto c = static_cast<size_t>(i % components);
+    const int32_t difference = loadUnaligned(rows[c] + i / components);
+    if (const StatusCode status = encodeDifference(writer, difference, *specs[c])) return status;
   }
   return StatusOk;
 }
@@ -94,7 +101,10 @@ StatusCode ZORJ_CALL zoriEncodeHuffman8x8_JPEG_16s1u_C1(const int16_t* pSrc, uin
   BitWriter writer(pDst, dstLength, *pDstPosition, *pState);
   if (flush) return writer.flush();
   if (anyNull(pSrc, pLastDC, pDcSpec, pAcSpec)) return StatusNullPointer;
-  return encodeBlock(writer, pSrc, *pLastDC, *pDcSpec, *pAcSpec);
+  const int32_t difference = advanceDc(pSrc, *pLastDC);
+  const Destination destination = {pDst, dstLength, *pDstPosition};
+  if (huffmanEncodeKernels().block(pSrc, difference, *pDcSpec, *pAcSpec, destination, *pState)) return StatusOk;
+  return encodeBlock(writer, pSrc, difference, *pDcSpec, *pAcSpec);
 }
 
 StatusCode ZORJ_CALL zoriEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const int16_t* pSrc, uint8_t* pDst,
@@ -102,8 +112,10 @@ StatusCode ZORJ_CALL zoriEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const int16_t* pS
                                                                const HuffmanEncodeSpec* pDcSpec,
                                                                const HuffmanEncodeSpec* pAcSpec) {
   if (anyNull(pSrc, pDst, pDstBitPosition, pLastDC, pDcSpec, pAcSpec)) return StatusNullPointer;
+  const int32_t difference = advanceDc(pSrc, *pLastDC);
+  if (huffmanEncodeKernels().directBlock(pSrc, difference, *pDcSpec, *pAcSpec, pDst, *pDstBitPosition)) return StatusOk;
   DirectBitWriter writer(pDst, *pDstBitPosition);
-  encodeBlock(writer, pSrc, *pLastDC, *pDcSpec, *pAcSpec);
+  encodeBlock(writer, pSrc, difference, *pDcSpec, *pAcSpec);
   *pDstBitPosition = writer.finish();
   return StatusOk;
 }
@@ -137,5 +149,5 @@ StatusCode ZORJ_CALL zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(const int16_t* const p
   for (int32_t c = 0; c < used; ++c) {
     if (anyNull(pSrc[c], pSpecs[c])) return StatusNullPointer;
   }
-  return encodeRow(writer, pSrc, samples, used, pSpecs);
+  return encodeRow(writer, pSrc, samples, used, pSpecs, {pDst, dstLength, *pDstPosition}, *pState);
 }

@@ -42,7 +42,8 @@ StatusCode buildEncodeSpec(const uint8_t* bits, const uint8_t* values, HuffmanEn
   for (uint32_t length = 1; length <= kMaxCodeLength; ++length) {
     const CodeRange& range = ranges[length];
     for (uint32_t i = 0; i < range.count; ++i) {
-      spec.codes[values[range.firstIndex + i]] = tableEntry(length, range.first + i);
+      spec.codes[values[range.firstIndex + i]] = {static_cast<uint16_t>(range.first + i),
+                                                  static_cast<uint16_t>(length)};
     }
   }
   return StatusOk;
@@ -55,7 +56,7 @@ bool fillFastLookup(const CodeRange (&ranges)[kMaxCodeLength + 1], HuffmanDecode
     const uint32_t entries = 1u << (kFastBits - length);
     for (uint32_t i = 0; i < range.count; ++i) {
       const uint32_t begin = (range.first + i) * entries, end = begin + entries;
-      const uint32_t entry = tableEntry(length, spec.symbols[range.firstIndex + i]);
+      const TableEntry entry = {spec.symbols[range.firstIndex + i], static_cast<uint16_t>(length)};
       for (uint32_t at = begin; at < std::min(end, 256u); ++at) spec.fastLookup[at] = entry;
       if (end > 257) return false;
     }

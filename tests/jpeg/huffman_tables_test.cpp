@@ -47,7 +47,7 @@ TEST(HuffmanTables, HoldTheCanonicalCodes) {
     std::fill_n(decode.maxCode + 1, 17, uint16_t{0xFFFF});
     size_t index = 0;
     for (const reference::HuffmanCode& code : reference::canonicalCodes(lists)) {
-      encode.codes[code.symbol] = static_cast<uint32_t>(code.length) << 16 | code.code;
+      encode.codes[code.symbol] = {static_cast<uint16_t>(code.code), static_cast<uint16_t>(code.length)};
       decode.symbols[index] = code.symbol;
       if (decode.maxCode[code.length] == 0xFFFF) {
         decode.minCode[code.length] = static_cast<uint16_t>(code.code);
@@ -56,7 +56,7 @@ TEST(HuffmanTables, HoldTheCanonicalCodes) {
       decode.maxCode[code.length] = static_cast<uint16_t>(code.code);
       for (uint32_t byte = 0; byte < 256; ++byte) {
         if (code.length <= 8 && byte >> (8 - code.length) == code.code) {
-          decode.fastLookup[byte] = static_cast<uint32_t>(code.length) << 16 | code.symbol;
+          decode.fastLookup[byte] = {code.symbol, static_cast<uint16_t>(code.length)};
         }
       }
       ++index;
@@ -92,8 +92,8 @@ TEST(HuffmanTables, AcceptWhatTheyPromise) {
     }
   }
   const Built twice = build({{0, 0, 3}, {7, 9, 7}});
-  EXPECT_EQ(twice.encode.codes[7], 3u << 16 | 2) << "the later code of a symbol listed twice";
-  EXPECT_EQ(twice.decode.fastLookup[0], 3u << 16 | 7) << "both codes of a symbol listed twice";
+  EXPECT_EQ(twice.encode.codes[7].value, 2) << "the later code of a symbol listed twice";
+  EXPECT_EQ(twice.decode.fastLookup[0].value, 7) << "both codes of a symbol listed twice";
 }
 
 // T.81 K.2 in its simplest form: sizes by merging the two rarest, then the same limit to 16 bits.

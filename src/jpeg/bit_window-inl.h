@@ -1,0 +1,205 @@
+// The 64-bit window through which the fast decoders read. Included by their kernel files, once per target, inside the
+// target's namespace.
+
+// Reads like BitReader and leaves the same position and state behind, though it reads further ahead: it keeps count of
+// how much further.
+class BitWindow {
+ public:
+  // No marker may be pending.
+  BitWindow(const SourceBytes& source, const HuffmanDecodeState& state)
+      : next_(source.bytes + source.position),
+        end_(source.bytes + source.length),
+        safe_(findSafe(next_, end_)),
+        bits_((uint64_t{state.bitBuffer} << 32) << (32 - state.bitCount)),
+        count_(state.bitCount) {}
+
+  // Fills the window with at least kFilled bits. False when a marker, a fill byte or the end of the source comes first.
+  static constexpr int32_t kFilled = 47;
+  HWY_INLINE bool refill() {
+    if (next_ > safe_) [[unlikely]] {
+      safe_ = findSafe(next_, end_);
+      if (next_ > safe_) {
+        const Filled filled = fillByBytes(next_, end_, bits_, count_);
+        next_ = filled.next;
+        bits_ = filled.bits;
+        ahead_ += filled.count - count_;
+        count_ = filled.count;
+        return count_ >= kFilled;
+      }
+    }
+    // Of the last byte only a part may fit: it is read again next time.
+    bits_ |= loadBigEndian64(next_) >> count_;
+    const ptrdiff_t bytes = (count_ ^ 63) >> 3;
+    next_ += bytes;
+    count_ += 8 * bytes;
+    ahead_ += 8 * bytes;
+    return true;
+  }
+
+  // The symbol whose code comes next.
+  struct Code {
+    uint32_t symbol;
+    uint32_t length;  // 0: none of the lengths looked for
+  };
+  // Of up to 8 bits; `lookup` is the table's fastLookup.
+  HWY_INLINE Code peekShort(const TableEntry* lookup) const {
+    const TableEntry& entry = lookup[bits_ >> 56];
+    return {entry.value, entry.length};
+  }
+  // Of 9 to 16 bits.
+  HWY_INLINE Code peekLong(const HuffmanDecodeSpec& spec) const {
+    return findLongCode(spec, static_cast<uint32_t>(bits_ >> 48));
+  }
+
+  HWY_INLINE void consumeShort(Code code) {
+    topUpTo(kFastBits);
+    consume(code.length);
+  }
+  HWY_INLINE void consumeLong(Code code) {
+    topUpTo(kFastBits);
+    topUpTo(kFastBits + 1);
+    // Bit by bit: the buffer is filled again when it is empty.
+    if (count_ - ahead_ < static_cast<ptrdiff_t>(code.length)) ahead_ -= 32;
+    consume(code.length);
+  }
+  // Of any length; consumes it if there is such a code.
+  HWY_INLINE Code takeCode(const HuffmanDecodeSpec& spec) {
+    Code code = peekShort(spec.fastLookup);
+    if (code.length != 0) [[likely]] {
+      consumeShort(code);
+    } else {
+      code = peekLong(spec);
+      if (code.length != 0) consumeLong(code);
+    }
+    return code;
+  }
+  // The value of category `size`, 0 to 15, from its extra bits.
+  HWY_INLINE int32_t takeExtraBits(uint32_t size) {
+    const int32_t ifPositive = static_cast<int32_t>(bits_ >> 1 >> (63 - size));
+    const int32_t ifNegative = ifPositive + kOffsetOfNegative[size];
+    const bool positive = static_cast<int64_t>(bits_) < 0;
+    topUpTo(size);
+    consume(size);
+    return positive ? ifPositive : ifNegative;
+  }
+
+  // Leaves behind what BitReader would. False if that takes bytes which are not there.
+  HWY_INLINE bool commit(SourceBytes& source, HuffmanDecodeState& state) {
+    if (ahead_ < 0 && !refill() && ahead_ < 0) return false;
+    const uint8_t* next = next_ - ahead_ / 8;
+    if (ahead_ > 0) {
+      uint64_t bytesAhead = bits_ >> (64 - count_) & ((uint64_t{1} << ahead_) - 1);
+      if (hasByteFF(bytesAhead)) [[unlikely]] {
+        for (; bytesAhead != 0; bytesAhead >>= 8) next -= (bytesAhead & 0xFF) == 0xFF;
+      }
+    }
+    const uint8_t* start = source.bytes + source.position;
+    if (next != start) {
+      state.bitBuffer = lastBytes(source.bytes, start, next, state.bitBuffer);
+      state.reserved = 0;
+    }
+    state.bitCount = static_cast<int32_t>(count_ - ahead_);
+    source.position = static_cast<int32_t>(next - source.bytes);
+    return true;
+  }
+
+ private:
+  // T.81 F.2.2.1, by category.
+  static constexpr int16_t kOffsetOfNegative[16] = {0,    -1,   -3,    -7,    -15,   -31,   -63,    -127,
+                                                    -255, -511, -1023, -2047, -4095, -8191, -16383, -32767};
+
+  HWY_INLINE void consume(uint32_t count) {
+    bits_ <<= count;
+    count_ -= static_cast<ptrdiff_t>(count);
+  }
+
+  // BitReader fills its buffer to 25 to 32 bits where it holds fewer than it needs.
+  HWY_INLINE void topUpTo(ptrdiff_t needed) {
+    const ptrdiff_t aheadOfFilled = (count_ - 25) & ~7;
+    ahead_ = ahead_ > count_ - needed ? aheadOfFilled : ahead_;
+  }
+
+  // The last place before the next 0xFF or the end from which eight bytes can be read; before `next` if there is none.
+  static HWY_INLINE const uint8_t* findSafe(const uint8_t* next, const uint8_t* end) {
+    const ptrdiff_t left = end - next;
+#if ZORJ_SIMD
+    const hn::ScalableTag<uint8_t> d;
+    constexpr ptrdiff_t kLanes = HWY_LANES(uint8_t);
+    if (left >= kLanes) [[likely]] {
+      const intptr_t found = hn::FindFirstTrue(d, hn::Eq(hn::LoadU(d, next), hn::Set(d, 0xFF)));
+      return next + (found < 0 ? kLanes : found) - 8;
+    }
+#endif
+    return left >= 8 && !hasByteFF(loadBigEndian64(next)) ? next : next - 1;
+  }
+
+  // By value, so that the window itself stays in registers.
+  struct Filled {
+    const uint8_t* next;
+    uint64_t bits;
+    ptrdiff_t count;
+  };
+  static HWY_NOINLINE Filled fillByBytes(const uint8_t* next, const uint8_t* end, uint64_t bits, ptrdiff_t count) {
+    while (count < 56 && next < end) {
+      const uint8_t byte = *next;
+      if (byte == 0xFF) {
+        if (end - next < 2 || next[1] != 0) break;
+        ++next;
+      }
+      ++next;
+      bits |= uint64_t{byte} << (56 - count);
+      count += 8;
+    }
+    return {next, bits, count};
+  }
+
+  // The last four data bytes before `next`; where fewer lie behind `start`, those of `before` come first.
+  static HWY_INLINE uint32_t lastBytes(const uint8_t* source, const uint8_t* start, const uint8_t* next,
+                                       uint32_t before) {
+    if (next - start >= 4 && next - source >= 8) [[likely]] {
+      const uint64_t word = loadBigEndian64(next - 8);
+      if (!hasByteFF(word)) [[likely]]
+        return static_cast<uint32_t>(word);
+    }
+    for (; start < next; ++start) {
+      before = before << 8 | *start;
+      if (*start == 0xFF) ++start;
+    }
+    return before;
+  }
+
+  static HWY_NOINLINE Code findLongCode(const HuffmanDecodeSpec& spec, uint32_t bits) {
+    uint32_t length = 0;
+#if ZORJ_SIMD
+    // The first 9 to 16 bits at once.
+    const hn::Full128<uint16_t> d;
+    alignas(16) static constexpr uint16_t kShifts[8] = {1 << 9,  1 << 10, 1 << 11, 1 << 12,
+                                                        1 << 13, 1 << 14, 1 << 15, 0};
+    alignas(16) static constexpr uint16_t kAllBits[8] = {0, 0, 0, 0, 0, 0, 0, 0xFFFF};
+    const auto word = hn::Set(d, static_cast<uint16_t>(bits));
+    const auto codes = hn::Or(hn::MulHigh(word, hn::Load(d, kShifts)), hn::And(word, hn::Load(d, kAllBits)));
+    const auto largest = hn::LoadU(d, spec.maxCode + 9);
+    const auto none = hn::Eq(largest, hn::Set(d, kNoCode));
+    const intptr_t found = hn::FindFirstTrue(d, hn::AndNot(none, hn::Eq(hn::Min(codes, largest), codes)));
+    if (found < 0) return {};
+    length = 9 + static_cast<uint32_t>(found);
+#else
+    uint32_t found = 0;
+    for (int i = 9; i <= kMaxCodeLength; ++i) {
+      const bool valid = spec.maxCode[i] != kNoCode && bits >> (16 - i) <= spec.maxCode[i];
+      found |= uint32_t{valid} << i;
+    }
+    if (found == 0) return {};
+    length = static_cast<uint32_t>(std::countr_zero(found));
+#endif
+    const uint32_t index = spec.symbolIndex[length] + (bits >> (16 - length)) - spec.minCode[length];
+    return {spec.symbols[index & 0xFF], length};
+  }
+
+  const uint8_t* next_;
+  const uint8_t* end_;
+  const uint8_t* safe_;  // up to here, eight bytes can be read at once
+  uint64_t bits_;        // left-aligned; what lies beyond count_ is the beginning of the next byte, or 0
+  ptrdiff_t count_;
+  ptrdiff_t ahead_ = 0;  // bits of the window that BitReader would not have read yet; negative: it would have read more
+};
