@@ -18,8 +18,14 @@ namespace jpeg = examples::jpeg;
 enum ExitCode { kDone = 0, kFailed = 1, kBadCommandLine = 2, kIncomplete = 3 };
 
 constexpr const char* kFooter =
-    "Exit status: 0 done; 1 failed, no output file; 2 bad command line; 3 the JPEG file is damaged or truncated and "
-    "was decoded as far as it goes.";
+    "Examples:\n"
+    "  zorjpeg encode photo.png photo.jpg --quality 85 --sampling 411\n"
+    "  zorjpeg decode photo.jpg photo.ppm\n\n"
+    "Exit status:\n"
+    "  0  done\n"
+    "  1  failed; there is no output file\n"
+    "  2  bad command line\n"
+    "  3  the JPEG file is damaged or truncated and was decoded as far as it goes";
 
 struct Paths {
   std::string input;
@@ -53,28 +59,31 @@ int decodeFile(const Paths& paths) {
 }
 
 void describeEncode(CLI::App& command, Paths& paths, jpeg::EncodeOptions& options) {
-  command.add_option("input", paths.input, "PNG, PPM or PGM file")->required();
-  command.add_option("output", paths.output, "JPEG file to write")->required();
-  command.add_option("--quality", options.quality, "from 1 (smallest) to 100 (best)")
-      ->check(CLI::Range(1, 100))
-      ->capture_default_str();
+  command.add_option("input", paths.input, "PNG, PPM or PGM file")->required()->option_text(" ");
+  command.add_option("output", paths.output, "JPEG file to write")->required()->option_text(" ");
+  command.add_option("--quality", options.quality, "1 (smallest file) to 100 (best picture); 90 if not given")
+      ->option_text("N")
+      ->check(CLI::Range(1, 100));
   static const std::map<std::string, jpeg::Sampling> samplings = {
       {"444", jpeg::Sampling::s444}, {"422", jpeg::Sampling::s422}, {"411", jpeg::Sampling::s411}};
   command
       .add_option_function<std::string>(
           "--sampling", [&options](const std::string& name) { options.sampling = samplings.at(name); },
-          "chroma sampling of colour images: 444 a sample for each pixel (the default), 422 for 2 x 1 pixels, "
-          "411 for 2 x 2")
-      ->option_text("444|422|411")
+          "444 (if not given), 422 or 411: a chroma sample\nfor each pixel, for 2 x 1 pixels, or for 2 x 2")
+      ->option_text("S")
       ->check(CLI::IsMember(samplings));
-  command.add_option("--restart", options.restartInterval, "write a restart marker every so many MCUs; 0 for none")
-      ->check(CLI::Range(0, 65535))
-      ->capture_default_str();
+  command
+      .add_option("--restart", options.restartInterval,
+                  "write a restart marker every N MCUs, which limits\nwhat damage to the file destroys")
+      ->option_text("N")
+      ->check(CLI::Range(0, 65535));
 }
 
 void describeDecode(CLI::App& command, Paths& paths) {
-  command.add_option("input", paths.input, "baseline JPEG file")->required();
-  command.add_option("output", paths.output, "PNG, PPM or PGM file to write; the name's end tells which")->required();
+  command.add_option("input", paths.input, "baseline JPEG file")->required()->option_text(" ");
+  command.add_option("output", paths.output, "file to write: its name ends in .png, .ppm or .pgm")
+      ->required()
+      ->option_text(" ");
 }
 
 int run(int argc, char** argv) {
@@ -85,8 +94,6 @@ int run(int argc, char** argv) {
   jpeg::EncodeOptions options;
   CLI::App* const encodeCommand = app.add_subcommand("encode", "Make a JPEG file of a PNG, PPM or PGM file");
   CLI::App* const decodeCommand = app.add_subcommand("decode", "Make a PNG, PPM or PGM file of a JPEG file");
-  encodeCommand->footer(kFooter);
-  decodeCommand->footer(kFooter);
   describeEncode(*encodeCommand, paths, options);
   describeDecode(*decodeCommand, paths);
   try {
@@ -96,7 +103,7 @@ int run(int argc, char** argv) {
     std::fprintf(stderr, "zorjpeg: %s\n", error.what());
     return kBadCommandLine;
   }
-  return *encodeCommand ? encodeFile(paths, options) : decodeFile(paths);
+  return encodeCommand->parsed() ? encodeFile(paths, options) : decodeFile(paths);
 }
 
 }  // namespace
