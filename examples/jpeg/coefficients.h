@@ -11,15 +11,19 @@
 
 namespace examples::jpeg {
 
-constexpr ptrdiff_t kBlockSize = 64;  // coefficients
+// 64 coefficients, or samples, in natural order.
+struct alignas(64) Block {
+  int16_t values[64];
+};
+
 constexpr size_t kMaxComponents = 4;
 
-// Some of a component's blocks, seen from the first of them: 64 coefficients each in natural order, in raster order.
+// Some of a component's blocks in raster order, seen from the first of them.
 struct Blocks {
-  int16_t* first = nullptr;
+  Block* first = nullptr;
   int32_t perRow = 0;
 
-  int16_t* at(int32_t column, int32_t row) const { return first + (ptrdiff_t{row} * perRow + column) * kBlockSize; }
+  Block& at(int32_t column, int32_t row) const { return first[ptrdiff_t{row} * perRow + column]; }
 };
 
 // The blocks of a rectangle of whole MCUs, all zero at first.
@@ -36,7 +40,7 @@ class McuArray {
     int32_t horizontal;
     int32_t vertical;
     int32_t blocksPerRow;
-    std::vector<int16_t> coefficients;
+    std::vector<Block> blocks;
   };
   std::vector<Plane> planes_;
 };
@@ -51,16 +55,17 @@ struct CoefficientImage {
   McuArray mcus;
 };
 
-// The blocks that successive MCUs of a scan consist of, in the order they are coded: block i of the n-th MCU lies
-// n * advance coefficients after `first`.
+// One of the blocks that successive MCUs of a scan consist of, in the order they are coded.
 struct McuBlock {
-  int16_t* first;
-  ptrdiff_t advance;
-  size_t scanComponent;
+  Block* first;       // the first MCU's
+  ptrdiff_t advance;  // to the next MCU's
+  size_t component;   // in the scan
+
+  int16_t* ofMcu(int32_t mcu) const { return first[mcu * advance].values; }
 };
 
 // The blocks of an interleaved scan of these components, from the given MCU on.
-std::vector<McuBlock> interleavedMcu(const Frame& frame, std::span<const size_t> scanComponents, McuArray& mcus,
+std::vector<McuBlock> interleavedMcu(const Frame& frame, std::span<const size_t> components, McuArray& mcus,
                                      int32_t mcuColumn, int32_t mcuRow);
 
 }  // namespace examples::jpeg

@@ -78,12 +78,13 @@ DecodeReport decodeDirectly(MarkerReader& reader, Image& image) {
   ScanDecoder scan = startScan(reader, quantTables);
   InverseTransform transform(frame, quantTables, image);
   McuArray run(frame, kRunMcus, 1);
-  const std::vector<McuBlock> blocks = interleavedMcu(frame, scanComponents(reader), run, 0, 0);
+  const std::vector<McuBlock> inScan = interleavedMcu(frame, scanComponents(reader), run, 0, 0);
+  const std::vector<McuBlock> inFrame = interleavedMcu(frame, frame.allComponents(), run, 0, 0);
   for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
     for (int32_t column = 0; column < frame.mcusWide(); column += kRunMcus) {
       const int32_t count = std::min(kRunMcus, frame.mcusWide() - column);
-      scan.decode(blocks, count);
-      transform.run(column, row, count, run, 0, 0);
+      scan.decode(inScan, count);
+      transform.run(column, row, count, inFrame);
     }
   }
   Damage damage;
@@ -104,7 +105,7 @@ void decodeScan(const MarkerReader& reader, ScanDecoder& scan, CoefficientImage&
     high = image.frame.blocksHigh(component);
     const Blocks blocks = image.mcus.blocks(components[0], 0, 0);
     for (int32_t row = 0; row < high; ++row) {
-      const McuBlock block{blocks.at(0, row), kBlockSize, 0};
+      const McuBlock block{&blocks.at(0, row), 1, 0};
       scan.decode({&block, 1}, wide);
     }
   } else {
@@ -150,9 +151,10 @@ DecodeReport decode(std::span<const uint8_t> jpeg, Image& image) {
 
   CoefficientImage coefficients;
   const Damage damage = decodeAllScans(reader, coefficients);
-  InverseTransform transform(coefficients.frame, coefficients.quantTables, image);
-  for (int32_t row = 0; row < coefficients.frame.mcusHigh(); ++row) {
-    transform.run(0, row, coefficients.frame.mcusWide(), coefficients.mcus, 0, row);
+  const Frame& frame = coefficients.frame;
+  InverseTransform transform(frame, coefficients.quantTables, image);
+  for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
+    transform.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), coefficients.mcus, 0, row));
   }
   return damage.report();
 }
@@ -173,7 +175,7 @@ std::vector<ComponentSamples> inverseTransform(CoefficientImage& coefficients) {
     for (int32_t y = 0; y < plane.height; y += 8) {
       uint8_t* const rows = plane.samples.data() + ptrdiff_t{y} * plane.width;
       for (int32_t x = 0; x < plane.width; x += 8) {
-        zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(blocks.at(x / 8, y / 8), rows + x, plane.width,
+        zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(blocks.at(x / 8, y / 8).values, rows + x, plane.width,
                                             coefficients.quantTables[c].data());
       }
     }

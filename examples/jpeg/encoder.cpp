@@ -80,7 +80,7 @@ void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_
   for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
     for (int32_t column = 0; column < mcusWide; column += kRunMcus) {
       const int32_t count = std::min(kRunMcus, mcusWide - column);
-      transform.run(column, row, count, run, 0, 0);
+      transform.run(column, row, count, blocks);
       scan.encode(blocks, count);
     }
   }
@@ -97,8 +97,9 @@ CoefficientImage transform(const Image& image, const EncodeOptions& options) {
     zoriQuantInvTableInit_JPEG_8u16u(quant[c == 0 ? 0 : 1].data(), result.quantTables[c].data());
   }
   ForwardTransform forward(image, result.frame, {quant[0].data(), quant[1].data(), quant[1].data()});
+  const std::vector<size_t> components = result.frame.allComponents();
   for (int32_t row = 0; row < result.frame.mcusHigh(); ++row) {
-    forward.run(0, row, result.frame.mcusWide(), result.mcus, 0, row);
+    forward.run(0, row, result.frame.mcusWide(), interleavedMcu(result.frame, components, result.mcus, 0, row));
   }
   return result;
 }

@@ -27,16 +27,16 @@ void ScanDecoder::decode(std::span<const McuBlock> mcu, int32_t count) {
     if (!lost_ && decodeMcu(mcu, i)) continue;
     lost_ = true;
     ++lostMcus_;
-    for (const McuBlock& block : mcu) std::fill_n(block.first + i * block.advance, kBlockSize, int16_t{0});
+    for (const McuBlock& block : mcu) std::fill_n(block.ofMcu(i), 64, int16_t{0});
   }
 }
 
 bool ScanDecoder::decodeMcu(std::span<const McuBlock> mcu, int32_t index) {
   for (const McuBlock& block : mcu) {
-    const DecodeTables& tables = tables_[block.scanComponent];
+    const DecodeTables& tables = tables_[block.component];
     const StatusCode status =
-        zoriDecodeHuffman8x8_JPEG_1u16s_C1(file_.data(), length_, &position_, block.first + index * block.advance,
-                                           &lastDc_[block.scanComponent], &marker_, tables.dc, tables.ac, state_.get());
+        zoriDecodeHuffman8x8_JPEG_1u16s_C1(file_.data(), length_, &position_, block.ofMcu(index),
+                                           &lastDc_[block.component], &marker_, tables.dc, tables.ac, state_.get());
     if (status != StatusOk) return false;
   }
   return true;

@@ -55,10 +55,9 @@ void ScanEncoder::encode(std::span<const McuBlock> mcu, int32_t count) {
       --untilRestart_;
     }
     for (const McuBlock& block : mcu) {
-      const EncodeTables& tables = tables_[block.scanComponent];
-      const StatusCode status =
-          zoriEncodeHuffman8x8_JPEG_16s1u_C1(block.first + i * block.advance, bytes, length, &position_,
-                                             &lastDc_[block.scanComponent], tables.dc, tables.ac, state_.get(), 0);
+      const EncodeTables& tables = tables_[block.component];
+      const StatusCode status = zoriEncodeHuffman8x8_JPEG_16s1u_C1(
+          block.ofMcu(i), bytes, length, &position_, &lastDc_[block.component], tables.dc, tables.ac, state_.get(), 0);
       if (status != StatusOk) throw Error("a coefficient is too large to be coded");
     }
   }

@@ -22,7 +22,7 @@ inline void expectSameCoefficients(jpeg::CoefficientImage& ours, const std::vect
     const int16_t* expected = their.coefficients.data();
     for (int32_t y = 0; y < their.blocksHigh; ++y) {
       for (int32_t x = 0; x < their.blocksWide; ++x, expected += 64) {
-        ASSERT_TRUE(std::equal(expected, expected + 64, blocks.at(x, y)))
+        ASSERT_TRUE(std::equal(expected, expected + 64, blocks.at(x, y).values))
             << "component " << c << ", block " << x << ", " << y;
       }
     }

@@ -57,7 +57,7 @@ TEST(Encode, RepeatsTheLastPixels) {
     }
     jpeg::CoefficientImage coded = jpeg::transform(image, {100, jpeg::Sampling::s444, 0});
     for (const auto& [x, y] : {std::pair(1, 0), std::pair(0, 1), std::pair(1, 1)}) {
-      const int16_t* const block = coded.mcus.blocks(0, 0, 0).at(x, y);
+      const int16_t* const block = coded.mcus.blocks(0, 0, 0).at(x, y).values;
       EXPECT_EQ(std::count(block + 1, block + 64, 0), 63) << "block " << x << ", " << y;
     }
   }
