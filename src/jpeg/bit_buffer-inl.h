@@ -1,13 +1,18 @@
 // What the fast encoders write to before the destination. Included by their kernel files, once per target, inside the
 // target's namespace.
 
-// Collects a few bits at a time without a branch, in memory of its own: there, bytes beyond the last may be touched.
+// Memory for the bytes of a BitBuffer: those of a block, and as many more as stores and copies may touch. It is no part
+// of the BitBuffer, which the compiler can keep in registers for that.
+struct BitBufferMemory {
+  uint8_t bytes[320 + 64];
+};
+
+// Collects a few bits at a time without a branch. Bytes beyond the last may be touched.
 class BitBuffer {
  public:
-  static constexpr size_t kRoom = 320;  // bytes at the most
-
   // Begins with the first `count` bits of `pending`, at most 7.
-  BitBuffer(uint64_t pending, uint32_t count) : accumulator_(pending), count_(count) {}
+  BitBuffer(BitBufferMemory& memory, uint64_t pending, uint32_t count)
+      : bytes_(memory.bytes), next_(memory.bytes), accumulator_(pending), count_(count) {}
 
   // Appends bits; the caller stores them before they exceed 64.
   HWY_INLINE void put(uint64_t bits, uint32_t count) {
@@ -28,10 +33,10 @@ class BitBuffer {
   uint32_t pendingCount() const { return count_; }
 
  private:
+  const uint8_t* bytes_;
+  uint8_t* next_;
   uint64_t accumulator_;  // left-aligned
   uint32_t count_;
-  uint8_t bytes_[kRoom + 64];
-  uint8_t* next_ = bytes_;
 };
 
 // Copies `count` bytes and puts a zero behind each 0xFF. The source may be read up to 64 bytes further, the destination

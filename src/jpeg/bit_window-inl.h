@@ -6,9 +6,9 @@
 class BitWindow {
  public:
   // No marker may be pending.
-  BitWindow(const SourceBytes& source, const HuffmanDecodeState& state)
-      : next_(source.bytes + source.position),
-        end_(source.bytes + source.length),
+  BitWindow(const uint8_t* source, int32_t length, int32_t position, const HuffmanDecodeState& state)
+      : next_(source + position),
+        end_(source + length),
         safe_(findSafe(next_, end_)),
         bits_((uint64_t{state.bitBuffer} << 32) << (32 - state.bitCount)),
         count_(state.bitCount) {}
@@ -43,8 +43,8 @@ class BitWindow {
   };
   // Of up to 8 bits; `lookup` is the table's fastLookup.
   HWY_INLINE Code peekShort(const TableEntry* lookup) const {
-    const TableEntry& entry = lookup[bits_ >> 56];
-    return {entry.value, entry.length};
+    const auto entry = std::bit_cast<uint32_t>(lookup[bits_ >> 56]);
+    return {entry & 0xFF, entry >> 16};
   }
   // Of 9 to 16 bits.
   HWY_INLINE Code peekLong(const HuffmanDecodeSpec& spec) const {
@@ -73,41 +73,33 @@ class BitWindow {
     }
     return code;
   }
-  // The value of category `size`, 0 to 15, from its extra bits.
+  // The value of category `size`, 1 to 15, from its extra bits.
   HWY_INLINE int32_t takeExtraBits(uint32_t size) {
-    const int32_t ifPositive = static_cast<int32_t>(bits_ >> 1 >> (63 - size));
-    const int32_t ifNegative = ifPositive + kOffsetOfNegative[size];
-    const bool positive = static_cast<int64_t>(bits_) < 0;
-    topUpTo(size);
+    const auto bits = static_cast<uint32_t>(bits_ >> (64 - size));
+    // Signs cannot be predicted: a mask instead of a branch.
+    const auto negative = static_cast<uint32_t>(static_cast<int64_t>(~bits_) >> 63);
+    topUpTo(static_cast<ptrdiff_t>(size));
     consume(size);
-    return positive ? ifPositive : ifNegative;
+    return static_cast<int32_t>(bits - (negative & ((1u << size) - 1)));
   }
 
   // Leaves behind what BitReader would. False if that takes bytes which are not there.
-  HWY_INLINE bool commit(SourceBytes& source, HuffmanDecodeState& state) {
-    if (ahead_ < 0 && !refill() && ahead_ < 0) return false;
+  HWY_INLINE bool commit(const uint8_t* source, int32_t& position, HuffmanDecodeState& state) {
+    if (!refill() && ahead_ < 0) [[unlikely]]
+      return false;
     const uint8_t* next = next_ - ahead_ / 8;
-    if (ahead_ > 0) {
-      uint64_t bytesAhead = bits_ >> (64 - count_) & ((uint64_t{1} << ahead_) - 1);
-      if (hasByteFF(bytesAhead)) [[unlikely]] {
-        for (; bytesAhead != 0; bytesAhead >>= 8) next -= (bytesAhead & 0xFF) == 0xFF;
-      }
-    }
-    const uint8_t* start = source.bytes + source.position;
-    if (next != start) {
-      state.bitBuffer = lastBytes(source.bytes, start, next, state.bitBuffer);
-      state.reserved = 0;
-    }
+    const uint64_t bytesAhead = bits_ >> 1 >> (63 - count_) & ((uint64_t{1} << ahead_) - 1);
+    if (hasByteFF(bytesAhead)) [[unlikely]]
+      next -= countBytesFF(bytesAhead);
+    const uint8_t* start = source + position;
+    state.bitBuffer = appendBytes(state.bitBuffer, source, start, next);
+    state.reserved = next == start ? state.reserved : 0;
     state.bitCount = static_cast<int32_t>(count_ - ahead_);
-    source.position = static_cast<int32_t>(next - source.bytes);
+    position = static_cast<int32_t>(next - source);
     return true;
   }
 
  private:
-  // T.81 F.2.2.1, by category.
-  static constexpr int16_t kOffsetOfNegative[16] = {0,    -1,   -3,    -7,    -15,   -31,   -63,    -127,
-                                                    -255, -511, -1023, -2047, -4095, -8191, -16383, -32767};
-
   HWY_INLINE void consume(uint32_t count) {
     bits_ <<= count;
     count_ -= static_cast<ptrdiff_t>(count);
@@ -126,8 +118,11 @@ class BitWindow {
     const hn::ScalableTag<uint8_t> d;
     constexpr ptrdiff_t kLanes = HWY_LANES(uint8_t);
     if (left >= kLanes) [[likely]] {
-      const intptr_t found = hn::FindFirstTrue(d, hn::Eq(hn::LoadU(d, next), hn::Set(d, 0xFF)));
-      return next + (found < 0 ? kLanes : found) - 8;
+      uint8_t found[8] = {};
+      hn::StoreMaskBits(d, hn::Eq(hn::LoadU(d, next), hn::Set(d, 0xFF)), found);
+      const uint64_t bits =
+          loadUnaligned(reinterpret_cast<const uint64_t*>(found)) | (kLanes < 64 ? uint64_t{1} << (kLanes % 64) : 0);
+      return next + std::countr_zero(bits) - 8;
     }
 #endif
     return left >= 8 && !hasByteFF(loadBigEndian64(next)) ? next : next - 1;
@@ -153,19 +148,30 @@ class BitWindow {
     return {next, bits, count};
   }
 
-  // The last four data bytes before `next`; where fewer lie behind `start`, those of `before` come first.
-  static HWY_INLINE uint32_t lastBytes(const uint8_t* source, const uint8_t* start, const uint8_t* next,
-                                       uint32_t before) {
-    if (next - start >= 4 && next - source >= 8) [[likely]] {
+  static HWY_NOINLINE ptrdiff_t countBytesFF(uint64_t word) {
+    ptrdiff_t count = 0;
+    for (; word != 0; word >>= 8) count += (word & 0xFF) == 0xFF;
+    return count;
+  }
+
+  // What a buffer of 32 bits holds after the data bytes from `start` to `next` as well.
+  static HWY_INLINE uint32_t appendBytes(uint32_t buffer, const uint8_t* source, const uint8_t* start,
+                                         const uint8_t* next) {
+    if (next - source >= 8) [[likely]] {
       const uint64_t word = loadBigEndian64(next - 8);
-      if (!hasByteFF(word)) [[likely]]
-        return static_cast<uint32_t>(word);
+      if (!hasByteFF(word)) [[likely]] {
+        const ptrdiff_t bits = 8 * HWY_MIN(next - start, ptrdiff_t{4});
+        return static_cast<uint32_t>(uint64_t{buffer} << bits | (word & ((uint64_t{1} << bits) - 1)));
+      }
     }
+    return appendBytesOneByOne(buffer, start, next);
+  }
+  static HWY_NOINLINE uint32_t appendBytesOneByOne(uint32_t buffer, const uint8_t* start, const uint8_t* next) {
     for (; start < next; ++start) {
-      before = before << 8 | *start;
+      buffer = buffer << 8 | *start;
       if (*start == 0xFF) ++start;
     }
-    return before;
+    return buffer;
   }
 
   static HWY_NOINLINE Code findLongCode(const HuffmanDecodeSpec& spec, uint32_t bits) {

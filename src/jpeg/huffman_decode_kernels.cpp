@@ -40,10 +40,10 @@ struct AcDecoder {
   const TableEntry* shortCodes = spec.fastLookup;
   size_t position = 1;
 
-  // Decodes a symbol with a size and its coefficient; runs beyond the block are left to the careful path.
-  HWY_INLINE Progress takeCoefficient(uint32_t symbol) {
-    const size_t at = position + (symbol >> 4);
-    const int32_t value = window.takeExtraBits(symbol & 15);
+  // The extra bits of a coefficient after `run` zeros. Runs beyond the block are left to the careful path.
+  HWY_INLINE Progress takeCoefficient(uint32_t run, uint32_t size) {
+    const size_t at = position + run;
+    const int32_t value = window.takeExtraBits(size);
     if (at >= kBlockSize - 1) [[unlikely]] {
       if (at >= kBlockSize) return Progress::kDeclined;
       storeUnaligned(block + kBlockSize - 1, static_cast<int16_t>(value));
@@ -65,9 +65,10 @@ struct AcDecoder {
   // A symbol whose code is short.
   HWY_INLINE Progress stepShort() {
     const BitWindow::Code code = window.peekShort(shortCodes);
-    if ((code.symbol & 15) != 0) [[likely]] {
+    const uint32_t size = code.symbol & 15;
+    if (size != 0) [[likely]] {
       window.consumeShort(code);
-      return takeCoefficient(code.symbol);
+      return takeCoefficient(code.symbol >> 4, size);
     }
     if (code.length == 0) return Progress::kLongCode;
     window.consumeShort(code);
@@ -78,18 +79,20 @@ struct AcDecoder {
     const BitWindow::Code code = window.peekLong(spec);
     if (code.length == 0) return Progress::kDeclined;
     window.consumeLong(code);
-    return (code.symbol & 15) != 0 ? takeCoefficient(code.symbol) : takeRun(code.symbol);
+    const uint32_t size = code.symbol & 15;
+    return size != 0 ? takeCoefficient(code.symbol >> 4, size) : takeRun(code.symbol);
   }
 };
 
-bool decodeBlock(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, int16_t& lastDc,
-                 const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec) {
-  BitWindow window(source, state);
+bool decodeBlock(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state, int16_t* block,
+                 int16_t& lastDc, const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec) {
+  BitWindow window(source, length, position, state);
   clearBlock(block);
   if (!window.refill()) return false;
   const BitWindow::Code code = window.takeCode(dcSpec);
   if (code.length == 0) return false;
-  const int16_t dc = static_cast<int16_t>(lastDc + window.takeExtraBits(code.symbol & 15));
+  const uint32_t size = code.symbol & 15;
+  const int16_t dc = static_cast<int16_t>(lastDc + (size != 0 ? window.takeExtraBits(size) : 0));
   storeUnaligned(block, dc);
 
   AcDecoder ac{window, acSpec, block};
@@ -105,15 +108,16 @@ bool decodeBlock(SourceBytes& source, HuffmanDecodeState& state, int16_t* block,
       progress = ac.stepLong();
     }
   }
-  if (progress == Progress::kDeclined || !window.commit(source, state)) return false;
+  if (progress == Progress::kDeclined || !window.commit(source, position, state)) return false;
   lastDc = dc;
   state.lastPosition = static_cast<int32_t>(ac.position);
   return true;
 }
 
-int64_t decodeDifferences(SourceBytes& source, HuffmanDecodeState& state, int16_t* const rows[], int64_t count,
-                          int32_t components, const HuffmanDecodeSpec* const specs[]) {
-  BitWindow window(source, state);
+int64_t decodeDifferences(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state,
+                          int16_t* const rows[], int64_t count, int32_t components,
+                          const HuffmanDecodeSpec* const specs[]) {
+  BitWindow window(source, length, position, state);
   int64_t done = 0;
   int32_t component = 0;
   ptrdiff_t sample = 0;
@@ -121,7 +125,12 @@ int64_t decodeDifferences(SourceBytes& source, HuffmanDecodeState& state, int16_
     const HuffmanDecodeSpec& spec = *specs[component];
     const BitWindow::Code code = window.takeCode(spec);
     if (code.length == 0) break;
-    const int32_t value = code.symbol > 15 ? -32768 : window.takeExtraBits(code.symbol);
+    int32_t value = 0;
+    if (code.symbol - 1 < 15) {
+      value = window.takeExtraBits(code.symbol);
+    } else if (code.symbol != 0) {
+      value = -32768;
+    }
     storeUnaligned(rows[component] + sample, static_cast<int16_t>(value));
     if (++component == components) {
       component = 0;
@@ -129,7 +138,7 @@ int64_t decodeDifferences(SourceBytes& source, HuffmanDecodeState& state, int16_
     }
   }
   // A full window before each of them leaves no more than BitReader would have read as well.
-  return window.commit(source, state) ? done : 0;
+  return window.commit(source, position, state) ? done : 0;
 }
 
 constexpr HuffmanDecodeKernels kernels = {&decodeBlock, &decodeDifferences};

@@ -3,6 +3,7 @@
 
 #include "core/checks.h"
 #include "core/unaligned.h"
+#include "jpeg/bit_reader.h"
 #include "jpeg/huffman_decode_kernels.h"
 #include "jpeg/zigzag.h"
 
@@ -86,7 +87,10 @@ StatusCode decodeRow(SourceBytes& source, HuffmanDecodeState& state, int16_t* co
                      int32_t components, const HuffmanDecodeSpec* const specs[]) {
   const int64_t count = int64_t{samples} * components;
   int64_t i = 0;
-  if (canDecodeFast(source)) i = huffmanDecodeKernels().differences(source, state, rows, count, components, specs);
+  if (canDecodeFast(source.length, source.position, source.marker)) {
+    i = huffmanDecodeKernels().differences(source.bytes, source.length, source.position, state, rows, count, components,
+                                           specs);
+  }
   BitReader reader(source, state);
   for (; i < count; ++i) {
     const auto c = static_cast<size_t>(i % components);
@@ -119,11 +123,11 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int
   if (anyNull(pSrc)) return StatusNullPointer;
   if (srcLength < 0) return StatusBadArgument;
   if (anyNull(pSrcPosition, pDst, pLastDC, pMarker, pDcSpec, pAcSpec, pState)) return StatusNullPointer;
-  SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
-  if (canDecodeFast(source) && huffmanDecodeKernels().block(source, *pState, pDst, *pLastDC, *pDcSpec, *pAcSpec)) {
-    *pSrcPosition = source.position;
+  if (canDecodeFast(srcLength, *pSrcPosition, *pMarker) &&
+      huffmanDecodeKernels().block(pSrc, srcLength, *pSrcPosition, *pState, pDst, *pLastDC, *pDcSpec, *pAcSpec)) {
     return StatusOk;
   }
+  SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
   BitReader reader(source, *pState);
   const BlockResult result = decodeBlock(reader, pDst, *pLastDC, *pDcSpec, *pAcSpec, pState->lastPosition);
   *pSrcPosition = source.position;

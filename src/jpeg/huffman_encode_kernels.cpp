@@ -22,30 +22,32 @@ namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 #include "jpeg/bit_buffer-inl.h"
-#include "jpeg/nonzero_mask-inl.h"
+#include "jpeg/zigzag_coefficients-inl.h"
 
 // With a code of 16 bits and the extra bits of this category, two symbols fit into the accumulator beside 7 bits.
 constexpr uint32_t kLargestCategory = 12;
 constexpr uint32_t kZeroRun16 = 0xF0;
 constexpr uint32_t kEndOfBlock = 0x00;
 
-// Appends the code of a symbol and `size` extra bits of its value.
-HWY_INLINE void putValue(BitBuffer& buffer, TableEntry entry, int32_t value, uint32_t size) {
-  const uint32_t bits = static_cast<uint32_t>(value + (value >> 31)) & ((1u << size) - 1);
-  buffer.put(uint64_t{entry.value} << size | bits, entry.length + size);
+// Appends a code and the extra bits that follow it.
+HWY_INLINE void putCode(BitBuffer& buffer, TableEntry entry, uint32_t bits, uint32_t category) {
+  buffer.put(uint64_t{entry.value} << category | bits, entry.length + category);
+}
+HWY_INLINE void putValue(BitBuffer& buffer, TableEntry entry, int32_t value, uint32_t category) {
+  putCode(buffer, entry, extraBits(value) & ((1u << category) - 1), category);
 }
 
-// The AC coefficients whose zig-zag positions `mask` holds.
+// The AC coefficients of a block.
 class AcEncoder {
  public:
-  AcEncoder(BitBuffer& buffer, const int16_t* block, const HuffmanEncodeSpec& spec, uint64_t mask)
-      : buffer_(buffer), block_(block), codes_(spec.codes), mask_(mask) {}
+  AcEncoder(BitBuffer& buffer, const int16_t* block, const HuffmanEncodeSpec& spec)
+      : buffer_(buffer), coefficients_(block), codes_(spec.codes), left_(coefficients_.nonZero() & ~uint64_t{1}) {}
 
   // False if a code is missing or a value is too large.
   HWY_INLINE bool encode() {
-    while (mask_ != 0) {
+    while (left_ != 0) {
       if (!putNext()) return false;
-      if (mask_ != 0 && !putNext()) return false;
+      if (left_ != 0 && !putNext()) return false;
       buffer_.store();
     }
     if (next_ == kBlockSize) return true;
@@ -57,8 +59,8 @@ class AcEncoder {
 
  private:
   HWY_INLINE bool putNext() {
-    const uint32_t position = static_cast<uint32_t>(std::countr_zero(mask_));
-    mask_ &= mask_ - 1;
+    const uint32_t position = static_cast<uint32_t>(std::countr_zero(left_));
+    left_ &= left_ - 1;
     uint32_t run = position - next_;
     next_ = position + 1;
     if (run > 15) [[unlikely]] {
@@ -66,13 +68,12 @@ class AcEncoder {
       if (!putZeroRuns(run / 16)) return false;
       run %= 16;
     }
-    const int32_t value = loadUnaligned(block_ + kNaturalOrder[position]);
-    const uint32_t category = magnitudeCategory(value);
-    const TableEntry entry = codes_[run << 4 | category];
-    if (entry.length == 0 || category > kLargestCategory) [[unlikely]]
+    const auto [category, bits] = coefficients_.at(position);
+    if (category > kLargestCategory) [[unlikely]]
       return false;
-    putValue(buffer_, entry, value, category);
-    return true;
+    const TableEntry entry = codes_[run << 4 | category];
+    putCode(buffer_, entry, bits, category);
+    return entry.length != 0;
   }
   HWY_INLINE bool putZeroRuns(uint32_t count) {
     const TableEntry entry = codes_[kZeroRun16];
@@ -84,9 +85,9 @@ class AcEncoder {
   }
 
   BitBuffer& buffer_;
-  const int16_t* block_;
+  const ZigzagCoefficients coefficients_;
   const TableEntry* codes_;
-  uint64_t mask_;
+  uint64_t left_;      // zig-zag positions to do
   uint32_t next_ = 1;  // the zig-zag position after the last coefficient
 };
 
@@ -97,7 +98,7 @@ HWY_INLINE bool collectBlock(BitBuffer& buffer, const int16_t* block, int32_t dc
   if (entry.length == 0) return false;
   putValue(buffer, entry, dcDifference, category);
   buffer.store();
-  return AcEncoder(buffer, block, acSpec, nonZeroMask(block) & ~uint64_t{1}).encode();
+  return AcEncoder(buffer, block, acSpec).encode();
 }
 
 // Pending bits as the state holds them, and left-aligned as the buffer does.
@@ -116,7 +117,8 @@ HWY_INLINE bool commit(const BitBuffer& buffer, Destination dst, HuffmanEncodeSt
 
 bool encodeBlock(const int16_t* block, int32_t dcDifference, const HuffmanEncodeSpec& dcSpec,
                  const HuffmanEncodeSpec& acSpec, Destination dst, HuffmanEncodeState& state) {
-  BitBuffer buffer(pendingBits(state), state.bitCount);
+  BitBufferMemory memory;
+  BitBuffer buffer(memory, pendingBits(state), state.bitCount);
   return collectBlock(buffer, block, dcDifference, dcSpec, acSpec) && commit(buffer, dst, state);
 }
 
@@ -125,7 +127,8 @@ bool encodeDirectBlock(const int16_t* block, int32_t dcDifference, const Huffman
   uint8_t* begun = dst + (bitPosition >> 3);
   const uint32_t count = static_cast<uint32_t>(bitPosition) & 7;
   const uint64_t pending = count == 0 ? 0 : uint64_t{*begun} >> (8 - count) << (64 - count);
-  BitBuffer buffer(pending, count);
+  BitBufferMemory memory;
+  BitBuffer buffer(memory, pending, count);
   if (!collectBlock(buffer, block, dcDifference, dcSpec, acSpec)) return false;
   uint8_t* end = copyStuffed(begun, buffer.bytes(), buffer.size());
   if (buffer.pendingCount() != 0) *end = static_cast<uint8_t>(buffer.pending() >> 56);
@@ -140,7 +143,8 @@ int64_t encodeDifferences(const int16_t* const rows[], int64_t count, int32_t co
   int32_t component = 0;
   ptrdiff_t sample = 0;
   while (done < count) {
-    BitBuffer buffer(pendingBits(state), state.bitCount);
+    BitBufferMemory memory;
+    BitBuffer buffer(memory, pendingBits(state), state.bitCount);
     const int64_t end = HWY_MIN(done + kChunk, count);
     for (int64_t i = done; i < end; ++i) {
       const int32_t value = loadUnaligned(rows[component] + sample);
