@@ -116,7 +116,7 @@ def main():
     topics = {pathlib.Path(r).name: read_rows(pathlib.Path(r + ".json")) for r in arguments.results}
     print(f"\n{machine_text()}\nMedians of paired runs.\n{table(topics)}")
     picture = chart(topics)
-    directory = pathlib.Path(arguments.publish or "build/bench")
+    directory = pathlib.Path(arguments.publish or pathlib.Path(arguments.results[0]).parent)
     if picture:
         (directory / "performance.svg").write_text(picture + "\n")
     if arguments.publish:
