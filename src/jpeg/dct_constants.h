@@ -33,12 +33,14 @@ constexpr int16_t dctRowWeight(int r, int u, int x) {
   return static_cast<int16_t>(weight < 0 ? weight - 0.5 : weight + 0.5);
 }
 
-// tan(k pi / 16) with 16 fractional bits; those above one half are kept less one, to fit a signed 16-bit factor.
-inline constexpr int16_t kTan1 = 13036;
-inline constexpr int16_t kTan2 = 27146;
-inline constexpr int16_t kTan3Less1 = -21746;
-// cos(pi / 4), with 15 fractional bits, and less one with 16.
-inline constexpr int16_t kCos4 = 23170;
-inline constexpr int16_t kCos4Less1 = -19195;
+// Factors of the column passes: tan(k pi / 16) and cos(pi / 4) with 16 fractional bits, less one where they exceed one
+// half so that they fit a signed number; kCos4 has 15 fractional bits.
+enum DctFactor { kTan1, kTan2, kTan3Less1, kCos4, kCos4Less1 };
+inline constexpr int16_t kDctFactors[5] = {13036, 27146, -21746, 23170, -19195};
+
+// What the inverse row pass adds: half a unit of its result, and in row 0 half a unit of the column pass's result too,
+// which reaches every sample from there. The other rows make up for what the truncating products of the column
+// pass lose on average.
+inline constexpr int32_t kDctRowBias[8] = {65536, 2901, 2260, 1704, 1024, 455, 512, 373};
 
 }  // namespace zorj

@@ -7,6 +7,7 @@
 #include "core/isa.h"
 #include "core/unaligned.h"
 #include "jpeg/dct_constants.h"
+#include "jpeg/dct_tables.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "jpeg/dct_forward_kernels.cpp"
@@ -50,32 +51,15 @@ constexpr int kRowShift = 20;
 
 using Rows = RowsTag<8>;
 
-// Weights of the pairs of s[x] = y[x] + y[7 - x] and d[x] = y[x] - y[7 - x] in a row s01 d01 s23 d23, by the vector
-// they serve (frequencies 0..3 or 4..7), by half (the row as it is, or with its halves exchanged) and by row.
-struct alignas(64) PairWeights {
-  int16_t at[2][2][8][8];
-};
-constexpr PairWeights kPairWeights = [] {
-  PairWeights weights{};
-  for (int i = 0; i < 2 * 2 * 8 * 8; ++i) {
-    const int frequencies = i / 128, exchanged = i / 64 % 2, row = i / 8 % 8, lane = i / 2 % 4;
-    const int x = 2 * ((lane / 2) ^ exchanged) + i % 2;
-    weights.at[frequencies][exchanged][row][i % 8] = dctRowWeight(row, 4 * frequencies + lane, x);
-  }
-  return weights;
-}();
-
 HWY_INLINE hn::Vec<Rows> transformRows(hn::Vec<Rows> y, int firstRow) {
   constexpr Rows d;
   constexpr hn::RepartitionToWide<Rows> d32;
-  alignas(16) static constexpr uint8_t kReversed[16] = {14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1};
-  const auto reversed =
-      hn::TableLookupBytes(y, hn::BitCast(d, hn::LoadDup128(hn::Repartition<uint8_t, Rows>(), kReversed)));
+  const auto reversed = permuteRows(y, kDctTables.reversed);
   const auto pairs = hn::InterleaveLower(d32, hn::BitCast(d32, hn::SaturatedAdd(y, reversed)),
                                          hn::BitCast(d32, hn::SaturatedSub(y, reversed)));
   const auto exchanged = hn::BitCast(d, hn::Shuffle1032(pairs));
   const auto sums = [&](int frequencies) HWY_ATTR {
-    const auto& weights = kPairWeights.at[frequencies];
+    const auto& weights = kDctTables.forwardWeights[frequencies];
     const auto sum =
         addPairProducts(hn::Set(d32, kRowRounding), hn::BitCast(d, pairs), hn::Load(d, weights[0][firstRow]));
     return hn::ShiftRight<kRowShift>(addPairProducts(sum, exchanged, hn::Load(d, weights[1][firstRow])));

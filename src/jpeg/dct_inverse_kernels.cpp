@@ -7,6 +7,7 @@
 #include "core/isa.h"
 #include "core/unaligned.h"
 #include "jpeg/dct_constants.h"
+#include "jpeg/dct_tables.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "jpeg/dct_inverse_kernels.cpp"
@@ -20,9 +21,6 @@ HWY_BEFORE_NAMESPACE();
 namespace zorj::HWY_NAMESPACE {
 namespace {
 
-// The row pass adds half a unit of its result, and in row 0 half a unit of the column pass's: that one reaches every
-// sample. What the truncating products of the column pass lose on average is in the other rows.
-constexpr int32_t kRowBias[8] = {65536, 2901, 2260, 1704, 1024, 455, 512, 373};
 constexpr int kRowShift = 11;
 constexpr int kColumnShift = 6;
 
@@ -37,7 +35,6 @@ struct Zero {};
 HWY_INLINE Zero multiplyHigh(Zero, int16_t) { return {}; }
 HWY_INLINE Zero add(Zero, Zero) { return {}; }
 HWY_INLINE Columns add(Columns a, Zero) { return a; }
-HWY_INLINE Columns add(Zero, Columns b) { return b; }
 HWY_INLINE Zero subtract(Zero, Zero) { return {}; }
 HWY_INLINE Columns subtract(Columns a, Zero) { return a; }
 HWY_INLINE Columns subtract(Zero, Columns b) { return subtract(constant(0), b); }
@@ -65,7 +62,7 @@ HWY_INLINE Halves transformColumns(const Columns (&y)[kSize]) {
   } else if constexpr (kSize == 4) {
     return transformColumns(y[0], y[1], y[2], y[3], zero, zero, zero, zero);
   } else {
-    static_assert(kSize == 2 && kRowBias[2] >> kRowShift == 1);
+    static_assert(kSize == 2 && kDctRowBias[2] >> kRowShift == 1);
     return transformColumns(y[0], y[1], constant(1), zero, zero, zero, zero, zero);
   }
 }
@@ -80,51 +77,16 @@ constexpr int16_t kSmallOdd3 = 4433;   // sqrt(2) cos(3 pi / 8)
 
 #if ZORJ_SIMD
 
-// The order of the pairs of coefficients in kPairs and kPairWeights.
-enum Pair { kPair02, kPair46, kPair13, kPair57, kPairCount };
-constexpr int kFirstOfPair[kPairCount] = {0, 4, 1, 5};
-
-// Byte numbers that fill a row with one pair of its coefficients. `single`: the first of the pair and zeros.
-struct alignas(16) PairBytes {
-  uint8_t at[16];
-};
-constexpr PairBytes pairBytes(Pair pair, bool single) {
-  PairBytes bytes{};
-  for (int i = 0; i < 16; ++i) {
-    const bool second = i / 2 % 2 == 1;
-    bytes.at[i] = static_cast<uint8_t>(second && single ? 0x80 : 2 * kFirstOfPair[pair] + i % 2 + (second ? 4 : 0));
-  }
-  return bytes;
-}
-
-// Weights by pair and row, for samples 0..3.
-struct alignas(64) PairWeights {
-  int16_t at[kPairCount][8][8];
-  int32_t bias[8][4];
-};
-constexpr PairWeights kPairWeights = [] {
-  PairWeights weights{};
-  for (int i = 0; i < kPairCount * 8 * 8; ++i) {
-    const int pair = i / 64, row = i / 8 % 8, lane = i % 8;
-    weights.at[pair][row][lane] = dctRowWeight(row, kFirstOfPair[pair] + 2 * (lane % 2), lane / 2);
-  }
-  for (int i = 0; i < 32; ++i) weights.bias[i / 4][i % 4] = kRowBias[i / 4];
-  return weights;
-}();
-
 // The row pass from the lowest kSize coefficients of each row. The samples come in the order 0 1 2 3 7 6 5 4, which
 // restoreOrder changes after the column pass.
 template <int kSize, class D>
 HWY_INLINE hn::Vec<D> transformRows(D d, hn::Vec<D> coefficients, int firstRow) {
   constexpr hn::RepartitionToWide<D> d32;
-  const auto product = [&](hn::Vec<decltype(d32)> sum, Pair pair) HWY_ATTR {
-    static constexpr PairBytes kBytes[kPairCount] = {pairBytes(kPair02, kSize == 2), pairBytes(kPair46, false),
-                                                     pairBytes(kPair13, kSize == 2), pairBytes(kPair57, false)};
-    const auto bytes = hn::BitCast(d, hn::LoadDup128(hn::Repartition<uint8_t, D>(), kBytes[pair].at));
-    return addPairProducts(sum, hn::TableLookupBytes(coefficients, bytes),
-                           hn::LoadU(d, kPairWeights.at[pair][firstRow]));
+  const auto product = [&](hn::Vec<decltype(d32)> sum, DctPair pair) HWY_ATTR {
+    return addPairProducts(sum, permuteRows(coefficients, kDctTables.pairBytes[kSize == 2][pair]),
+                           hn::LoadU(d, kDctTables.inverseWeights[pair][firstRow]));
   };
-  auto even = product(hn::LoadU(d32, kPairWeights.bias[firstRow]), kPair02);
+  auto even = product(hn::LoadU(d32, kDctTables.inverseBias[firstRow]), kPair02);
   auto odd = product(hn::Zero(d32), kPair13);
   if constexpr (kSize == 8) {
     even = product(even, kPair46);
@@ -162,16 +124,14 @@ HWY_INLINE void finish(D, const Halves& halves, int first, hn::Vec<D>& upper, hn
 
 void block(const int16_t* src, int16_t* dst, const uint16_t* table) {
   constexpr RowsTag<4> d;
-  alignas(16) static constexpr uint8_t kOrder[16] = {0, 1, 2, 3, 4, 5, 6, 7, 14, 15, 12, 13, 10, 11, 8, 9};
-  const auto order = hn::BitCast(d, hn::LoadDup128(hn::Repartition<uint8_t, RowsTag<4>>(), kOrder));
   const Halves halves = transform<8>(src, table);
   HWY_UNROLL(4)
   for (int first = 0; first < 4; first += kRowsPerVector<4>) {
     hn::Vec<RowsTag<4>> upper, lower;
     finish(d, halves, first, upper, lower);
-    hn::StoreU(hn::TableLookupBytes(upper, order), d, dst + 8 * first);
+    hn::StoreU(permuteRows(upper, kDctTables.unfolded16), d, dst + 8 * first);
     Columns mirrored[kRowsPerVector<4>];
-    split(hn::TableLookupBytes(lower, order), mirrored);
+    split(permuteRows(lower, kDctTables.unfolded16), mirrored);
     for (int i = 0; i < kRowsPerVector<4>; ++i) {
       hn::StoreU(mirrored[i], hn::FixedTag<int16_t, 8>(), dst + 8 * (7 - first - i));
     }
@@ -180,24 +140,23 @@ void block(const int16_t* src, int16_t* dst, const uint16_t* table) {
 
 template <int kSize>
 void toSamples(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  constexpr RowsTag<4> d;
-  constexpr hn::Repartition<int8_t, RowsTag<4>> d8;
-  // 128 is added after the saturation, to signed bytes.
-  alignas(16) static constexpr int8_t kOrder[16] = {0, 1, 2, 3, 7, 6, 5, 4, 8, 9, 10, 11, 15, 14, 13, 12};
-  const auto order = hn::LoadDup128(d8, kOrder);
+  constexpr RowsTag<2> d;
+  constexpr hn::Repartition<int8_t, RowsTag<2>> d8;
   const Halves halves = transform<kSize>(src, table);
   HWY_UNROLL(4)
-  for (int first = 0; first < 4; first += kRowsPerVector<4>) {
-    hn::Vec<RowsTag<4>> upper, lower;
+  for (int first = 0; first < 4; first += kRowsPerVector<2>) {
+    hn::Vec<RowsTag<2>> upper, lower;
     finish(d, halves, first, upper, lower);
-    const auto samples = hn::Xor(hn::TableLookupBytes(packToBytes(upper, lower), order), hn::Set(d8, -128));
-    Columns rows[kRowsPerVector<4>];
+    // 128 is added after the saturation, to signed bytes.
+    const auto samples = hn::Xor(permuteRows(packToBytes(upper, lower), kDctTables.unfolded8), hn::Set(d8, -128));
+    Columns rows[kRowsPerVector<2>];
     split(hn::BitCast(d, samples), rows);
-    for (int i = 0; i < kRowsPerVector<4>; ++i) {
+    for (int i = 0; i < kRowsPerVector<2>; ++i) {
       uint8_t* const row = dst + static_cast<ptrdiff_t>(first + i) * dstStep;
       uint8_t* const mirrored = dst + static_cast<ptrdiff_t>(7 - first - i) * dstStep;
-      _mm_storel_epi64(reinterpret_cast<__m128i*>(row), rows[i].raw);
-      _mm_storeh_pd(reinterpret_cast<double*>(mirrored), _mm_castsi128_pd(rows[i].raw));
+      const auto bytes = hn::BitCast(hn::FixedTag<uint8_t, 16>(), rows[i]);
+      hn::StoreU(hn::LowerHalf(bytes), hn::FixedTag<uint8_t, 8>(), row);
+      hn::StoreU(hn::UpperHalf(hn::FixedTag<uint8_t, 8>(), bytes), hn::FixedTag<uint8_t, 8>(), mirrored);
     }
   }
 }
@@ -263,7 +222,7 @@ int16_t dequantise(const int16_t* src, const uint16_t* table) {
 template <int kSize>
 void transformRow(int row, const int16_t (&coefficients)[kSize], int16_t* samples) {
   for (int x = 0; x < 4; ++x) {
-    uint32_t even = static_cast<uint32_t>(kRowBias[row]), odd = 0;
+    uint32_t even = static_cast<uint32_t>(kDctRowBias[row]), odd = 0;
     for (int u = 0; u < kSize; u += 2) {
       even += static_cast<uint32_t>(kWeights[row][x][u] * coefficients[u]);
       odd += static_cast<uint32_t>(kWeights[row][x][u + 1] * coefficients[u + 1]);

@@ -13,7 +13,9 @@ using Columns = hn::Vec<hn::FixedTag<int16_t, 8>>;
 HWY_INLINE Columns constant(int16_t value) { return hn::Set(hn::FixedTag<int16_t, 8>(), value); }
 HWY_INLINE Columns add(Columns a, Columns b) { return hn::SaturatedAdd(a, b); }
 HWY_INLINE Columns subtract(Columns a, Columns b) { return hn::SaturatedSub(a, b); }
-HWY_INLINE Columns multiplyHigh(Columns a, int16_t b) { return hn::MulHigh(a, constant(b)); }
+HWY_INLINE Columns multiplyHigh(Columns a, DctFactor factor) {
+  return hn::MulHigh(a, hn::Load(hn::FixedTag<int16_t, 8>(), kDctTables.factors[factor]));
+}
 template <int kBits>
 HWY_INLINE Columns shiftLeft(Columns a) {
   return hn::ShiftLeft<kBits>(a);
@@ -48,6 +50,13 @@ template <int kRows>
 using RowsTag = hn::CappedTag<int16_t, 8 * kRows>;
 template <int kRows>
 inline constexpr int kRowsPerVector = static_cast<int>(hn::MaxLanes(RowsTag<kRows>())) / 8;
+
+// TableLookupBytes with the same 16 byte numbers in every row.
+template <class V>
+HWY_INLINE V permuteRows(V rows, const uint8_t (&bytes)[16]) {
+  using D = hn::DFromV<V>;
+  return hn::TableLookupBytes(rows, hn::BitCast(D(), hn::LoadDup128(hn::Repartition<uint8_t, D>(), bytes)));
+}
 
 HWY_INLINE void join(const Columns* rows, hn::Vec128<int16_t>& joined) { joined = rows[0]; }
 HWY_INLINE void split(hn::Vec128<int16_t> joined, Columns* rows) { rows[0] = joined; }
@@ -91,7 +100,9 @@ inline int16_t constant(int16_t value) { return value; }
 inline int16_t saturate(int value) { return static_cast<int16_t>(std::clamp(value, -32768, 32767)); }
 inline int16_t add(int16_t a, int16_t b) { return saturate(a + b); }
 inline int16_t subtract(int16_t a, int16_t b) { return saturate(a - b); }
-inline int16_t multiplyHigh(int16_t a, int16_t b) { return static_cast<int16_t>((a * b) >> 16); }
+inline int16_t multiplyHigh(int16_t a, DctFactor factor) {
+  return static_cast<int16_t>((a * kDctFactors[factor]) >> 16);
+}
 template <int kBits>
 int16_t shiftLeft(int16_t a) {
   return static_cast<int16_t>(static_cast<unsigned>(a) << kBits);
