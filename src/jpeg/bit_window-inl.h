@@ -87,7 +87,7 @@ class BitWindow {
   HWY_INLINE bool commit(const uint8_t* source, int32_t& position, HuffmanDecodeState& state) {
     if (!refill() && ahead_ < 0) [[unlikely]]
       return false;
-    const uint8_t* next = next_ - ahead_ / 8;
+    const uint8_t* next = next_ - (ahead_ >> 3);
     const uint64_t bytesAhead = bits_ >> 1 >> (63 - count_) & ((uint64_t{1} << ahead_) - 1);
     if (hasByteFF(bytesAhead)) [[unlikely]]
       next -= countBytesFF(bytesAhead);

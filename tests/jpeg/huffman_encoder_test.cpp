@@ -173,7 +173,7 @@ TEST(HuffmanEncoder, DirectBlocksEqualModel) {
 
 TEST(HuffmanEncoder, LosslessRowsAndValuesEqualModel) {
   Random random(4);
-  for (int round = 0; round < 60; ++round) {
+  for (int round = 0; round < 40; ++round) {
     const int32_t components = static_cast<int32_t>(random.between(1, 7));  // four of them are used
     const int32_t samples = static_cast<int32_t>(random.between(1, round % 5 == 0 ? 400 : 40));
     std::vector<Table> tables;
@@ -187,6 +187,9 @@ TEST(HuffmanEncoder, LosslessRowsAndValuesEqualModel) {
     const int16_t* rowPointers[4] = {rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data()};
     const HuffmanEncodeSpec* specs[4] = {&tables[0].spec, &tables[1].spec, &tables[2].spec, &tables[3].spec};
     const int32_t used = std::min(components, 4);
+    const auto lengths = [round](const EncoderCalls& calls) {
+      return round % 8 == 0 ? lengthsToTry(calls) : std::vector<int32_t>{9000, 70, 24, 9};
+    };
 
     const EncoderCalls rowCalls = statefulCalls(
         3,
@@ -202,8 +205,7 @@ TEST(HuffmanEncoder, LosslessRowsAndValuesEqualModel) {
           }
           return StatusOk;
         });
-    expectWritesEqualModel("rows, round " + std::to_string(round), lengthsToTry(rowCalls), rowCalls.subject,
-                           rowCalls.model);
+    expectWritesEqualModel("rows, round " + std::to_string(round), lengths(rowCalls), rowCalls.subject, rowCalls.model);
 
     const auto count = static_cast<size_t>(samples);
     const EncoderCalls valueCalls = statefulCalls(
@@ -215,7 +217,7 @@ TEST(HuffmanEncoder, LosslessRowsAndValuesEqualModel) {
         [&](size_t i, reference::HuffmanWriter& writer, int16_t&) {
           return tables[0].model.putDifference(writer, rows[0][i]);
         });
-    expectWritesEqualModel("values, round " + std::to_string(round), lengthsToTry(valueCalls), valueCalls.subject,
+    expectWritesEqualModel("values, round " + std::to_string(round), lengths(valueCalls), valueCalls.subject,
                            valueCalls.model);
   }
 }

@@ -225,7 +225,11 @@ class HuffmanReader {
 
 class HuffmanDecoder {
  public:
-  explicit HuffmanDecoder(const HuffmanLists& lists) : codes_(canonicalCodes(lists)) {}
+  explicit HuffmanDecoder(const HuffmanLists& lists) {
+    for (const HuffmanCode& code : canonicalCodes(lists)) symbols_[{code.length, code.code}] = code.symbol;
+    // All ones in 16 bits cannot be told from "no code of this length".
+    symbols_.erase({16, 0xFFFF});
+  }
 
   StatusCode takeSymbol(HuffmanReader& reader, int& symbol) const {
     symbol = 0;
@@ -236,26 +240,17 @@ class HuffmanDecoder {
     int length = 1;
     if (reader.held() >= 8) {
       const uint32_t next8 = reader.peek(8);
-      for (const HuffmanCode& code : codes_) {
-        if (code.length <= 8 && next8 >> (8 - code.length) == code.code) {
-          reader.take(code.length);
-          symbol = code.symbol;
-          return StatusOk;
-        }
+      for (; length <= 8; ++length) {
+        if (!find(length, next8 >> (8 - length), symbol)) continue;
+        reader.take(length);
+        return StatusOk;
       }
-      length = 9;
     }
     StatusCode status = reader.need(length);
     if (status != StatusOk) return status;
     uint32_t bits = reader.take(length);
     for (; length <= 16; ++length) {
-      for (const HuffmanCode& code : codes_) {
-        // All ones in 16 bits cannot be told from "no code of this length".
-        if (code.length == length && code.code == bits && code.code != 0xFFFF) {
-          symbol = code.symbol;
-          return StatusOk;
-        }
-      }
+      if (find(length, bits, symbol)) return StatusOk;
       status = reader.need(1);
       if (status != StatusOk) return status;
       bits = bits << 1 | reader.take(1);
@@ -264,7 +259,13 @@ class HuffmanDecoder {
   }
 
  private:
-  std::vector<HuffmanCode> codes_;
+  bool find(int length, uint32_t bits, int& symbol) const {
+    const auto found = symbols_.find({length, bits});
+    if (found != symbols_.end()) symbol = found->second;
+    return found != symbols_.end();
+  }
+
+  std::map<std::pair<int, uint32_t>, int> symbols_;
 };
 
 inline StatusCode takeExtraBits(HuffmanReader& reader, int count, int& value) {
