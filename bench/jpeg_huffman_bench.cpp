@@ -33,23 +33,15 @@ class BlockStream {
       block = test::photographicBlock(random, detail * std::exp2(static_cast<double>(random.between(-250, 150)) / 100));
     }
     encode();
-    bytes_.resize(static_cast<size_t>(length_));
   }
 
   double count() const { return static_cast<double>(blocks_.size()); }
-  double bytesPerBlock() const { return static_cast<double>(length_) / count(); }
-  double symbolsPerBlock() const {
-    size_t symbols = 2 * blocks_.size();
-    for (const Block& block : blocks_) symbols += 63 - static_cast<size_t>(std::count(block.begin() + 1, block.end(), 0));
-    return static_cast<double>(symbols) / count();
-  }
 
   void encode() {
     HuffmanEncodeState state = {};
     int16_t lastDc = 0;
     int32_t position = 0;
-    const int32_t room = static_cast<int32_t>(bytes_.size()) + 1000;
-    if (bytes_.size() < static_cast<size_t>(room)) bytes_.resize(static_cast<size_t>(room));
+    const int32_t room = static_cast<int32_t>(bytes_.size());
     for (const Block& block : blocks_) {
       zoriEncodeHuffman8x8_JPEG_16s1u_C1(block.data(), bytes_.data(), room, &position, &lastDc, &dc_.encode,
                                          &ac_.encode, &state, 0);
@@ -78,16 +70,86 @@ class BlockStream {
   int32_t length_ = 0;
 };
 
+// Rows of differences as predictor 1 leaves them of a photograph, three components, and the stream of them.
+class RowStream {
+ public:
+  static constexpr int32_t kSamples = 2000, kRows = 10;
+  static constexpr double kDifferences = 3.0 * kSamples * kRows;
+
+  RowStream() : bytes_(1 << 18) {
+    test::Random random(2);
+    for (auto& row : differences_) {
+      row.resize(kSamples);
+      for (int16_t& difference : row) difference = test::photographicBlock(random, 0.8)[0];
+    }
+    encode();
+  }
+
+  void encode() {
+    HuffmanEncodeState state = {};
+    const int16_t* const rows[] = {differences_[0].data(), differences_[1].data(), differences_[2].data()};
+    const HuffmanEncodeSpec* const specs[] = {&tables_.encode, &tables_.encode, &tables_.encode};
+    const int32_t room = static_cast<int32_t>(bytes_.size());
+    length_ = 0;
+    for (int32_t y = 0; y < kRows; ++y) {
+      zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(rows, kSamples, 3, bytes_.data(), room, &length_, specs, &state, 0);
+    }
+    zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(nullptr, 0, 0, bytes_.data(), room, &length_, nullptr, &state, 1);
+  }
+
+  void decode() {
+    HuffmanDecodeState state = {};
+    int16_t* const rows[] = {decoded_[0].data(), decoded_[1].data(), decoded_[2].data()};
+    const HuffmanDecodeSpec* const specs[] = {&tables_.decode, &tables_.decode, &tables_.decode};
+    int32_t position = 0, marker = 0;
+    for (int32_t y = 0; y < kRows; ++y) {
+      zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(bytes_.data(), length_, &position, rows, kSamples, 3, &marker, specs,
+                                           &state);
+    }
+  }
+
+  void decodeOneByOne() {
+    HuffmanDecodeState state = {};
+    int32_t position = 0, marker = 0;
+    for (int32_t i = 0; i < 3 * kSamples * kRows; ++i) {
+      zoriDecodeHuffmanOne_JPEG_1u16s_C1(bytes_.data(), length_, &position,
+                                         &decoded_[0][static_cast<size_t>(i % kSamples)], &marker, &tables_.decode,
+                                         &state);
+    }
+  }
+  void encodeOneByOne() {
+    HuffmanEncodeState state = {};
+    const int32_t room = static_cast<int32_t>(bytes_.size());
+    length_ = 0;
+    for (size_t i = 0; i < 3 * kSamples * kRows; ++i) {
+      zoriEncodeHuffmanOne_JPEG_16s1u_C1(&differences_[i % 3][i / 3 % kSamples], bytes_.data(), room, &length_,
+                                         &tables_.encode, &state, 0);
+    }
+  }
+
+ private:
+  Tables tables_{test::typicalDcLists()};
+  std::array<std::vector<int16_t>, 3> differences_;
+  std::array<std::array<int16_t, kSamples>, 3> decoded_;
+  std::vector<uint8_t> bytes_;
+  int32_t length_ = 0;
+};
+
 }  // namespace
 
 void registerComparisons() {
   const std::pair<const char*, double> kinds[] = {{"q90", 6.3}, {"q75", 1.75}};
   for (const auto& [name, detail] : kinds) {
     const auto stream = std::make_shared<BlockStream>(20000, detail);
-    std::fprintf(stderr, "%s: %.1f bytes, %.1f symbols a block\n", name, stream->bytesPerBlock(), stream->symbolsPerBlock());
     compare(std::string("huffman decode ") + name, stream->count(), "blocks", atEveryLevel([=] { stream->decode(); }));
     compare(std::string("huffman encode ") + name, stream->count(), "blocks", atEveryLevel([=] { stream->encode(); }));
   }
+  const auto rows = std::make_shared<RowStream>();
+  const double differences = RowStream::kDifferences;
+  compare("huffman decode lossless rows", differences, "differences", atEveryLevel([=] { rows->decode(); }));
+  compare("huffman encode lossless rows", differences, "differences", atEveryLevel([=] { rows->encode(); }));
+  compare("huffman decode lossless values", differences, "differences", atEveryLevel([=] { rows->decodeOneByOne(); }));
+  compare("huffman encode lossless values", differences, "differences", atEveryLevel([=] { rows->encodeOneByOne(); }));
 }
 
 }  // namespace zorj::bench

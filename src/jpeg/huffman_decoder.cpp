@@ -166,7 +166,8 @@ StatusCode ZORJ_CALL zoriDecodeHuffmanOne_JPEG_1u16s_C1(const uint8_t* pSrc, int
   if (srcLength < 1) return StatusBadSize;
   if (anyNull(pSrcPosition, pDst, pMarker, pSpec, pState)) return StatusNullPointer;
   SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
-  const StatusCode status = decodeRow(source, *pState, &pDst, 1, 1, &pSpec);
+  BitReader reader(source, *pState);
+  const StatusCode status = decodeDifference(reader, *pSpec, pDst);
   *pSrcPosition = source.position;
   *pMarker = source.marker;
   return status;
