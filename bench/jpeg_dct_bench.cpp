@@ -1,92 +1,103 @@
-// The DCT of a block at every instruction-set level.
+// The block functions of the DCT at every instruction-set level, on blocks that stay in the nearest cache.
 #include <zorj.h>
 
 #include <array>
-#include <memory>
+#include <cstdint>
+#include <functional>
+#include <string>
 
 #include "support/compare.h"
 
 namespace zorj::bench {
 namespace {
 
-constexpr size_t kBlocks = 256;  // in the first-level cache with their results
+constexpr size_t kBlocks = 64;
 
+// Blocks such as a photograph gives: samples of a rough slope, and its coefficients quantised.
 struct Data {
-  std::array<int16_t, 64 * kBlocks> coefficients;
-  std::array<int16_t, 64 * kBlocks> values;
   std::array<uint8_t, 64 * kBlocks> samples;
-  std::array<uint16_t, 64 * kBlocks> wideSamples;
+  std::array<uint16_t, 64 * kBlocks> samples12;
+  std::array<int16_t, 64 * kBlocks> shifted, coefficients, result;
   std::array<uint16_t, 64> forwardTable, inverseTable;
-  std::array<float, 64> multipliers;
+  std::array<float, 64> forwardFloats, inverseFloats;
+
+  Data() {
+    std::array<uint8_t, 64> raw;
+    for (size_t i = 0; i < 64; ++i) raw[i] = static_cast<uint8_t>(3 + i / 2);
+    zoriQuantFwdTableInit_JPEG_8u16u(raw.data(), forwardTable.data());
+    zoriQuantInvTableInit_JPEG_8u16u(raw.data(), inverseTable.data());
+    uint32_t noise = 1;
+    for (size_t i = 0; i < samples.size(); ++i) {
+      noise = noise * 1664525 + 1013904223;
+      samples[i] = static_cast<uint8_t>(4 * (i / 8 % 8) + 9 * (i % 8) + i / 64 + (noise >> 28));
+      samples12[i] = static_cast<uint16_t>(16 * samples[i]);
+      shifted[i] = static_cast<int16_t>(samples[i] - 128);
+    }
+    for (size_t i = 0; i < 64; ++i) {
+      inverseFloats[i] = inverseTable[i];
+      forwardFloats[i] = 1 / inverseFloats[i];
+    }
+    for (size_t b = 0; b < kBlocks; ++b) {
+      zoriDCTQuantFwd8x8_JPEG_16s_C1(&shifted[64 * b], &coefficients[64 * b], forwardTable.data());
+    }
+  }
 };
 
-Data& data() {
-  static const auto shared = [] {
-    auto d = std::make_unique<Data>();
-    uint32_t seed = 1;
-    const auto next = [&] { return (seed = seed * 1664525 + 1013904223) >> 16; };
-    for (uint8_t& sample : d->samples) sample = static_cast<uint8_t>(next());
-    for (int16_t& value : d->values) value = static_cast<int16_t>(next() % 256 - 128);
-    for (uint16_t& sample : d->wideSamples) sample = static_cast<uint16_t>(next() % 4096);
-    d->forwardTable.fill(32768 / 8);
-    d->inverseTable.fill(8);
-    d->multipliers.fill(0.125f);
-    for (size_t i = 0; i < d->coefficients.size(); ++i) {
-      d->coefficients[i] = static_cast<int16_t>(i % 64 < 20 ? next() % 16 - 8 : 0);
-    }
-    return d;
-  }();
-  return *shared;
-}
-
-template <class Call>
-void perBlock(const char* name, Call call) {
-  compare(name, kBlocks, "blocks", atEveryLevel([call] {
-            Data& d = data();
-            for (size_t i = 0; i < 64 * kBlocks; i += 64) call(d, i);
-          }));
+// Compares the levels on all blocks; block(i) does the one whose first sample is i.
+template <class Block>
+void compareLevels(const std::string& name, const Block& block) {
+  constexpr std::pair<Isa, const char*> kLevels[] = {{Isa::kAvx512, "AVX-512"},
+                                                     {Isa::kAvx2, "AVX2"},
+                                                     {Isa::kSse4, "SSE4"},
+                                                     {Isa::kSsse3, "SSSE3"},
+                                                     {Isa::kPortable, "portable"}};
+  std::vector<Variant> variants;
+  for (const auto& [isa, level] : kLevels) {
+    const auto run = [block] {
+      for (size_t i = 0; i < 64 * kBlocks; i += 64) block(i);
+    };
+    variants.push_back({level, run, isa});
+  }
+  compare(name, kBlocks, "blocks", std::move(variants));
 }
 
 }  // namespace
 
 void registerComparisons() {
-  perBlock("zoriDCTQuantFwd8x8LS_JPEG_8u16s_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantFwd8x8LS_JPEG_8u16s_C1R(&d.samples[i], 8, &d.values[i], d.forwardTable.data());
+  static Data d;
+  const auto forward = d.forwardTable.data();
+  const auto inverse = d.inverseTable.data();
+  compareLevels("zoriQuantFwd8x8_JPEG_16s_C1I", [=](size_t i) { zoriQuantFwd8x8_JPEG_16s_C1I(&d.result[i], forward); });
+  compareLevels("zoriQuantInv8x8_JPEG_16s_C1I", [=](size_t i) { zoriQuantInv8x8_JPEG_16s_C1I(&d.result[i], inverse); });
+
+  compareLevels("zoriDCTQuantFwd8x8LS_JPEG_8u16s_C1R",
+                [=](size_t i) { zoriDCTQuantFwd8x8LS_JPEG_8u16s_C1R(&d.samples[i], 8, &d.result[i], forward); });
+  compareLevels("zoriDCTQuantFwd8x8LS_JPEG_16u16s_C1R", [](size_t i) {
+    zoriDCTQuantFwd8x8LS_JPEG_16u16s_C1R(&d.samples12[i], 16, &d.result[i], d.forwardFloats.data());
   });
-  perBlock("zoriDCTQuantFwd8x8_JPEG_16s_C1", [](Data& d, size_t i) {
-    zoriDCTQuantFwd8x8_JPEG_16s_C1(&d.coefficients[i], &d.values[i], d.forwardTable.data());
+  compareLevels("zoriDCTQuantFwd8x8_JPEG_16s_C1",
+                [=](size_t i) { zoriDCTQuantFwd8x8_JPEG_16s_C1(&d.shifted[i], &d.result[i], forward); });
+  compareLevels("zoriDCTQuantFwd8x8_JPEG_16s_C1I",
+                [=](size_t i) { zoriDCTQuantFwd8x8_JPEG_16s_C1I(&d.result[i], forward); });
+
+  static std::array<uint8_t, 64 * kBlocks> samples;
+  static std::array<uint16_t, 64 * kBlocks> samples12;
+  const auto compareInverse = [=](const char* name, auto function) {
+    compareLevels(name, [=](size_t i) { function(&d.coefficients[i], &samples[i], 8, inverse); });
+  };
+  compareInverse("zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R);
+  compareLevels("zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R", [](size_t i) {
+    zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(&d.coefficients[i], &samples12[i], 16, d.inverseFloats.data());
   });
-  perBlock("zoriDCTQuantFwd8x8LS_JPEG_16u16s_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantFwd8x8LS_JPEG_16u16s_C1R(&d.wideSamples[i], 16, &d.values[i], d.multipliers.data());
-  });
-  perBlock("zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(&d.coefficients[i], &d.samples[i], 8, d.inverseTable.data());
-  });
-  perBlock("zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R(&d.coefficients[i], &d.samples[i], 8, d.inverseTable.data());
-  });
-  perBlock("zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R(&d.coefficients[i], &d.samples[i], 8, d.inverseTable.data());
-  });
-  perBlock("zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R(&d.coefficients[i], &d.samples[i], 8, d.inverseTable.data());
-  });
-  perBlock("zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R(&d.coefficients[i], &d.samples[i], 8, d.inverseTable.data());
-  });
-  perBlock("zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R(&d.coefficients[i], &d.samples[i], 8, d.inverseTable.data());
-  });
-  perBlock("zoriDCTQuantInv8x8_JPEG_16s_C1", [](Data& d, size_t i) {
-    zoriDCTQuantInv8x8_JPEG_16s_C1(&d.coefficients[i], &d.values[i], d.inverseTable.data());
-  });
-  perBlock("zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R", [](Data& d, size_t i) {
-    zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(&d.coefficients[i], &d.wideSamples[i], 16, d.multipliers.data());
-  });
-  perBlock("zoriQuantFwd8x8_JPEG_16s_C1I",
-           [](Data& d, size_t i) { zoriQuantFwd8x8_JPEG_16s_C1I(&d.values[i], d.forwardTable.data()); });
-  perBlock("zoriQuantInv8x8_JPEG_16s_C1I",
-           [](Data& d, size_t i) { zoriQuantInv8x8_JPEG_16s_C1I(&d.values[i], d.inverseTable.data()); });
+  compareInverse("zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R);
+  compareInverse("zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R);
+  compareInverse("zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R);
+  compareInverse("zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R);
+  compareInverse("zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R);
+  compareLevels("zoriDCTQuantInv8x8_JPEG_16s_C1",
+                [=](size_t i) { zoriDCTQuantInv8x8_JPEG_16s_C1(&d.coefficients[i], &d.result[i], inverse); });
+  compareLevels("zoriDCTQuantInv8x8_JPEG_16s_C1I",
+                [=](size_t i) { zoriDCTQuantInv8x8_JPEG_16s_C1I(&d.result[i], inverse); });
 }
 
 }  // namespace zorj::bench

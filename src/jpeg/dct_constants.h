@@ -1,57 +1,44 @@
-// Constants of the fixed-point DCT. Its columns use a factorisation by tangents that leaves every row of the result
-// scaled by a factor of its own; the weights of the rows undo that.
+// Constants of the fixed-point 8x8 DCT, forward and inverse.
+//
+// The column passes factor the DCT into rotations by tangents and leave row k of their result scaled by a factor of
+// its own; the weights of the row passes carry the inverse of that factor (Arai, Agui, Nakajima 1988 scale the
+// quantisation table in the same spirit).
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
-#include <numbers>
 
 namespace zorj {
 
-// Cosine by its Taylor series, for 0 <= angle <= 4 pi: a constant expression, which std::cos is not.
-constexpr double cosine(double angle) {
-  constexpr double kTurn = 2 * std::numbers::pi;
-  while (angle > kTurn / 2) angle -= kTurn;
+inline constexpr double kPi = 3.14159265358979323846;
+inline constexpr double kSqrt2 = 1.41421356237309504880;
+
+// cos(k pi / 16), by the Taylor series: the library's own function is no constant expression.
+constexpr double cosineOfSixteenths(int k) {
+  const double x = (k % 32) * (kPi / 16);
   double term = 1, sum = 1;
-  for (int n = 1; n <= 20; ++n) {
-    term *= -angle * angle / ((2 * n - 1) * (2 * n));
+  for (int n = 1; n <= 25; ++n) {
+    term *= -x * x / ((2 * n - 1) * (2 * n));
     sum += term;
   }
   return sum;
 }
 
-// sqrt(2) C(u) cos((2x + 1) u pi / 16), C(0) = 1 / sqrt(2) and C(u) = 1 otherwise: the one-dimensional DCT basis.
-constexpr double dctBasis(size_t u, size_t x) {
-  if (u == 0) return 1;
-  return std::numbers::sqrt2 * cosine(static_cast<double>((2 * x + 1) * u) * std::numbers::pi / 16);
+// The row of the 8-point DCT matrix for frequency u, with a DC row of ones.
+constexpr double dctBasis(int u, int x) { return u == 0 ? 1 : kSqrt2 * cosineOfSixteenths((2 * x + 1) * u); }
+
+// Weight of sample x for frequency u in row r of the fixed-point row passes, with 14 fractional bits.
+constexpr int16_t dctRowWeight(int r, int u, int x) {
+  constexpr int kFold[8] = {4, 1, 2, 3, 4, 3, 2, 1};
+  const double weight = 16384 * kSqrt2 * cosineOfSixteenths(kFold[r]) * dctBasis(u, x);
+  return static_cast<int16_t>(weight < 0 ? weight - 0.5 : weight + 0.5);
 }
 
-// What the column pass leaves row r to be multiplied by.
-constexpr double rowFactor(size_t r) {
-  const size_t k = r % 4 == 0 ? 0 : r < 4 ? r : 8 - r;
-  return k == 0 ? 1 : std::numbers::sqrt2 * cosine(static_cast<double>(k) * std::numbers::pi / 16);
-}
-
-// The weight of sample x for frequency u in row r, in units of 2^-14.
-constexpr int16_t rowWeight(size_t r, size_t u, size_t x) {
-  const double exact = 16384 * rowFactor(r) * dctBasis(u, x);
-  return static_cast<int16_t>(exact < 0 ? exact - 0.5 : exact + 0.5);
-}
-
-// Column constants: tangents in units of 2^-16 (the third less 1), cos(pi / 4) in units of 2^-15, and less 1 in 2^-16.
+// tan(k pi / 16) with 16 fractional bits; those above one half are kept less one, to fit a signed 16-bit factor.
 inline constexpr int16_t kTan1 = 13036;
 inline constexpr int16_t kTan2 = 27146;
 inline constexpr int16_t kTan3Less1 = -21746;
+// cos(pi / 4), with 15 fractional bits, and less one with 16.
 inline constexpr int16_t kCos4 = 23170;
 inline constexpr int16_t kCos4Less1 = -19195;
-
-// Rounding of the inverse row pass. The values fold in the rounding of the column pass's last shift.
-inline constexpr std::array<int32_t, 8> kInverseRowBias = {65536, 2901, 2260, 1704, 1024, 455, 512, 373};
-
-// The shifts of the weighted sums: 14 bits of the weights and 6 of the column pass; inverse 11, and 6 in the columns.
-inline constexpr int kForwardRowShift = 20;
-inline constexpr int kInverseRowShift = 11;
-inline constexpr int kInverseColumnShift = 6;
 
 }  // namespace zorj

@@ -1,4 +1,5 @@
 #include "core/checks.h"
+#include "jpeg/dct_float_kernels.h"
 #include "jpeg/dct_forward_kernels.h"
 #include "zorj/jpeg_dct.h"
 
@@ -18,19 +19,19 @@ StatusCode ZORJ_CALL zoriDCTQuantFwd8x8LS_JPEG_16u16s_C1R(const uint16_t* pSrc, 
   if (anyNull(pSrc, pDst)) return StatusNullPointer;
   if (srcStep < 1) return StatusBadStep;
   if (anyNull(pQuantFwdTable)) return StatusNullPointer;
-  dctForwardKernels().levelShiftedFloat(pSrc, srcStep, pDst, pQuantFwdTable);
+  dctFloatKernels().forward(pSrc, srcStep, pDst, pQuantFwdTable);
   return StatusOk;
 }
 
 StatusCode ZORJ_CALL zoriDCTQuantFwd8x8_JPEG_16s_C1(const int16_t* pSrc, int16_t* pDst,
                                                     const uint16_t* pQuantFwdTable) {
   if (anyNull(pSrc, pDst, pQuantFwdTable)) return StatusNullPointer;
-  dctForwardKernels().centred(pSrc, pDst, pQuantFwdTable);
+  dctForwardKernels().block(pSrc, pDst, pQuantFwdTable);
   return StatusOk;
 }
 
 StatusCode ZORJ_CALL zoriDCTQuantFwd8x8_JPEG_16s_C1I(int16_t* pSrcDst, const uint16_t* pQuantFwdTable) {
   if (anyNull(pSrcDst, pQuantFwdTable)) return StatusNullPointer;
-  dctForwardKernels().centred(pSrcDst, pSrcDst, pQuantFwdTable);
+  dctForwardKernels().block(pSrcDst, pSrcDst, pQuantFwdTable);
   return StatusOk;
 }

@@ -1,11 +1,10 @@
 #include "jpeg/dct_inverse_kernels.h"
 
-#include <cmath>
+#include <algorithm>
+#include <array>
 #include <cstddef>
-#include <cstring>
 
 #include "core/isa.h"
-#include "core/row_address.h"
 #include "core/unaligned.h"
 #include "jpeg/dct_constants.h"
 
@@ -15,417 +14,330 @@
 #include <hwy/highway.h>
 
 #include "core/simd-inl.h"
-#include "jpeg/dct_arithmetic-inl.h"
+#include "jpeg/dct_lanes-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace zorj::HWY_NAMESPACE {
 namespace {
-namespace hn = hwy::HWY_NAMESPACE;
 
-// The fixed-point column pass, on one column or on all of them: the transpose of the forward one. With kRows below 8
-// the rows from there on are zero, or, where the row pass left its rounding alone in row 2, that.
-template <int kRows, class V>
-HWY_INLINE void inverseColumns(V (&y)[8]) {
-  V s = y[1], u = mulHigh(y[1], kTan1), t, v;
-  if constexpr (kRows == 8) {
-    s = add(s, mulHigh(y[7], kTan1));
-    u = sub(u, y[7]);
-    t = add(y[3], add(mulHigh(y[5], kTan3Less1), y[5]));
-    v = sub(y[5], add(mulHigh(y[3], kTan3Less1), y[3]));
-  } else if constexpr (kRows == 4) {
-    t = y[3];
-    v = sub(y[4], add(mulHigh(y[3], kTan3Less1), y[3]));  // row 4 is zero
-  }
-  V odd[4] = {s, s, u, u};
-  V p = s, m = u;
-  if constexpr (kRows > 2) {
-    p = sub(s, t);
-    m = sub(u, v);
-    odd[0] = add(s, t);
-    odd[3] = add(u, v);
-  }
-  const V b = add(p, m), d = sub(p, m);
-  odd[1] = add(b, mulHigh(b, kCos4Less1));
-  odd[2] = add(d, mulHigh(d, kCos4Less1));
+// The row pass adds half a unit of its result, and in row 0 half a unit of the column pass's: that one reaches every
+// sample. What the truncating products of the column pass lose on average is in the other rows.
+constexpr int32_t kRowBias[8] = {65536, 2901, 2260, 1704, 1024, 455, 512, 373};
+constexpr int kRowShift = 11;
+constexpr int kColumnShift = 6;
 
-  V outer = y[0], outerDifference = y[0], inner = y[2], innerDifference = mulHigh(y[2], kTan2);
-  if constexpr (kRows == 8) {
-    outer = add(y[0], y[4]);
-    outerDifference = sub(y[0], y[4]);
-    inner = add(y[2], mulHigh(y[6], kTan2));
-    innerDifference = sub(innerDifference, y[6]);
-  }
-  const V even[4] = {add(outer, inner), add(outerDifference, innerDifference), sub(outerDifference, innerDifference),
-                     sub(outer, inner)};
-  for (size_t i = 0; i < 4; ++i) {
-    y[i] = shiftRight<kInverseColumnShift>(add(even[i], odd[i]));
-    y[7 - i] = shiftRight<kInverseColumnShift>(sub(even[i], odd[i]));
-  }
-}
-
-// The weights of the single-precision transform, one dimension: sqrt(2) C(u) cos(...) / (2 sqrt(2)).
-struct FloatWeights {
-  alignas(16) float even[4][4];  // [u / 2][x]
-  alignas(16) float odd[4][4];
+// The halves of a column: sample i is (even[i] + odd[i]) >> 6, sample 7 - i is (even[i] - odd[i]) >> 6.
+struct Halves {
+  Columns even[4];
+  Columns odd[4];
 };
-constexpr FloatWeights kFloatWeights = [] {
-  FloatWeights weights{};
-  for (size_t i = 0; i < 4; ++i) {
-    for (size_t x = 0; x < 4; ++x) {
-      weights.even[i][x] = static_cast<float>(dctBasis(2 * i, x) / (2 * std::numbers::sqrt2));
-      weights.odd[i][x] = static_cast<float>(dctBasis(2 * i + 1, x) / (2 * std::numbers::sqrt2));
-    }
+
+// Rows of coefficients that are 0, and what follows from them.
+struct Zero {};
+HWY_INLINE Zero multiplyHigh(Zero, int16_t) { return {}; }
+HWY_INLINE Zero add(Zero, Zero) { return {}; }
+HWY_INLINE Columns add(Columns a, Zero) { return a; }
+HWY_INLINE Columns add(Zero, Columns b) { return b; }
+HWY_INLINE Zero subtract(Zero, Zero) { return {}; }
+HWY_INLINE Columns subtract(Columns a, Zero) { return a; }
+HWY_INLINE Columns subtract(Zero, Columns b) { return subtract(constant(0), b); }
+
+template <class Y2, class Y3, class Y4, class Y5, class Y6, class Y7>
+HWY_INLINE Halves transformColumns(Columns y0, Columns y1, Y2 y2, Y3 y3, Y4 y4, Y5 y5, Y6 y6, Y7 y7) {
+  const auto s = add(y1, multiplyHigh(y7, kTan1)), u = subtract(multiplyHigh(y1, kTan1), y7);
+  const auto t = add(y3, add(multiplyHigh(y5, kTan3Less1), y5)),
+             v = subtract(y5, add(multiplyHigh(y3, kTan3Less1), y3));
+  const auto p = subtract(s, t), m = subtract(u, v);
+  const auto b = add(p, m), d = subtract(p, m);
+  const auto sum = add(y0, y4), difference = subtract(y0, y4);
+  const auto r = add(y2, multiplyHigh(y6, kTan2)), x = subtract(multiplyHigh(y2, kTan2), y6);
+  return {{add(sum, r), add(difference, x), subtract(difference, x), subtract(sum, r)},
+          {add(s, t), add(b, multiplyHigh(b, kCos4Less1)), add(d, multiplyHigh(d, kCos4Less1)), add(u, v)}};
+}
+
+// The column pass where all rows of coefficients from kSize on are 0. The row pass makes 0 of them too, except for
+// row 2, of which its bias makes 1.
+template <int kSize>
+HWY_INLINE Halves transformColumns(const Columns (&y)[kSize]) {
+  constexpr Zero zero;
+  if constexpr (kSize == 8) {
+    return transformColumns(y[0], y[1], y[2], y[3], y[4], y[5], y[6], y[7]);
+  } else if constexpr (kSize == 4) {
+    return transformColumns(y[0], y[1], y[2], y[3], zero, zero, zero, zero);
+  } else {
+    static_assert(kSize == 2 && kRowBias[2] >> kRowShift == 1);
+    return transformColumns(y[0], y[1], constant(1), zero, zero, zero, zero, zero);
   }
-  return weights;
-}();
-
-constexpr float kFloatLevel = 2048.0f;
-constexpr float kFloatMaximum = 4095.0f;
-
-// sqrt(2) cos(pi / 8) and sqrt(2) cos(3 pi / 8): the odd half of the transform of four.
-constexpr float kCosine1Of4 = static_cast<float>(std::numbers::sqrt2 * cosine(std::numbers::pi / 8));
-constexpr float kCosine3Of4 = static_cast<float>(std::numbers::sqrt2 * cosine(3 * std::numbers::pi / 8));
-
-// Coefficient times step, wrapped to 16 bits.
-int16_t dequantisedAt(const int16_t* src, const uint16_t* table, size_t i) {
-  return static_cast<int16_t>(int64_t{loadUnaligned(src + i)} * loadUnaligned(table + i));
 }
 
-uint8_t levelShift(int32_t value) { return static_cast<uint8_t>(std::clamp(saturate16(value) + 128, 0, 255)); }
-
-void levelShiftedFromDc(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  const int64_t product = int64_t{loadUnaligned(src)} * loadUnaligned(table);
-  const int16_t value = static_cast<int16_t>((product >> 3) + 128);
-  for (int32_t y = 0; y < 8; ++y) std::memset(rowAt(dst, dstStep, y), std::clamp<int>(value, 0, 255), 8);
-}
-
-// The inverse transform of two points is a sum and a difference.
-void levelShiftedTo2x2(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  const int32_t f00 = dequantisedAt(src, table, 0), f01 = dequantisedAt(src, table, 1);
-  const int32_t f10 = dequantisedAt(src, table, 8), f11 = dequantisedAt(src, table, 9);
-  const auto round = [](int32_t sum) { return levelShift((sum + 4) >> 3); };
-  uint8_t* upper = dst;
-  uint8_t* lower = rowAt(dst, dstStep, 1);
-  upper[0] = round(f00 + f01 + f10 + f11);
-  upper[1] = round(f00 - f01 + f10 - f11);
-  lower[0] = round(f00 + f01 - f10 - f11);
-  lower[1] = round(f00 - f01 - f10 + f11);
-}
+// The 4-point transform keeps 13 bits of its weights' fractions, and between its passes 5 bits of the samples'.
+constexpr int kSmallWeightBits = 13;
+constexpr int kSmallFirstShift = kSmallWeightBits - 2;
+constexpr int kSmallSecondShift = kSmallWeightBits + 5;
+constexpr int16_t kSmallEven = 8192;   // 1
+constexpr int16_t kSmallOdd1 = 10703;  // sqrt(2) cos(pi / 8)
+constexpr int16_t kSmallOdd3 = 4433;   // sqrt(2) cos(3 pi / 8)
 
 #if ZORJ_SIMD
 
-// The weights of the row pass, for multiplyPairs: [t][row][2 x + k] is the weight of frequency 4 (t % 2) + 2 k in
-// tables 0 and 1, and of the next higher one in tables 2 and 3, for sample x.
-struct RowTables {
-  alignas(64) int16_t weights[4][8][8];
-  alignas(64) int32_t biases[8][4];
+// The order of the pairs of coefficients in kPairs and kPairWeights.
+enum Pair { kPair02, kPair46, kPair13, kPair57, kPairCount };
+constexpr int kFirstOfPair[kPairCount] = {0, 4, 1, 5};
+
+// Byte numbers that fill a row with one pair of its coefficients. `single`: the first of the pair and zeros.
+struct alignas(16) PairBytes {
+  uint8_t at[16];
 };
-constexpr RowTables kRowTables = [] {
-  RowTables tables{};
-  for (size_t r = 0; r < 8; ++r) {
-    for (size_t i = 0; i < 8; ++i) {
-      for (size_t t = 0; t < 4; ++t) tables.weights[t][r][i] = rowWeight(r, 4 * (t % 2) + 2 * (i % 2) + t / 2, i / 2);
-    }
-    for (size_t i = 0; i < 4; ++i) tables.biases[r][i] = kInverseRowBias[r];
+constexpr PairBytes pairBytes(Pair pair, bool single) {
+  PairBytes bytes{};
+  for (int i = 0; i < 16; ++i) {
+    const bool second = i / 2 % 2 == 1;
+    bytes.at[i] = static_cast<uint8_t>(second && single ? 0x80 : 2 * kFirstOfPair[pair] + i % 2 + (second ? 4 : 0));
   }
-  return tables;
+  return bytes;
+}
+
+// Weights by pair and row, for samples 0..3.
+struct alignas(64) PairWeights {
+  int16_t at[kPairCount][8][8];
+  int32_t bias[8][4];
+};
+constexpr PairWeights kPairWeights = [] {
+  PairWeights weights{};
+  for (int i = 0; i < kPairCount * 8 * 8; ++i) {
+    const int pair = i / 64, row = i / 8 % 8, lane = i % 8;
+    weights.at[pair][row][lane] = dctRowWeight(row, kFirstOfPair[pair] + 2 * (lane % 2), lane / 2);
+  }
+  for (int i = 0; i < 32; ++i) weights.bias[i / 4][i % 4] = kRowBias[i / 4];
+  return weights;
 }();
 
-template <class D>
-HWY_INLINE hn::Vec<D> loadDequantised(D d, const int16_t* src, const uint16_t* table) {
-  const hn::RebindToUnsigned<D> du;
-  return hn::Mul(hn::LoadU(d, src), hn::BitCast(d, hn::LoadU(du, table)));
-}
-
-// The row pass on the rows from number `row` on; with kColumns = 4 the coefficients from the fifth on are taken as
-// zero.
-template <int kColumns, class D>
-HWY_INLINE hn::Vec<D> inverseRows(D d, hn::Vec<D> coefficients, size_t row) {
-  const hn::Repartition<int32_t, D> d32;
-  const auto weights = [&](size_t table) HWY_ATTR { return hn::Load(d, kRowTables.weights[table][row]); };
-  const auto c = permuteRows(d, coefficients, {0, 2, 4, 6, 1, 3, 5, 7});
-  auto even = hn::Add(multiplyPairs(broadcastPair<0>(c), weights(0)), hn::Load(d32, kRowTables.biases[row]));
-  auto odd = multiplyPairs(broadcastPair<2>(c), weights(2));
-  if constexpr (kColumns == 8) {
-    even = hn::Add(even, multiplyPairs(broadcastPair<1>(c), weights(1)));
-    odd = hn::Add(odd, multiplyPairs(broadcastPair<3>(c), weights(3)));
-  }
-  const auto left = hn::ShiftRight<kInverseRowShift>(hn::Add(even, odd));
-  const auto right = hn::ShiftRight<kInverseRowShift>(hn::Sub(even, odd));  // from the outside in
-  return permuteRows(d, hn::ReorderDemote2To(d, left, right), {0, 1, 2, 3, 7, 6, 5, 4});
-}
-
-HWY_INLINE void inverse(const int16_t* src, const uint16_t* table, Row (&rows)[8]) {
-  const RowsTag d;
-  for (size_t r = 0; r < 8; r += kRowsPerVector) {
-    splitRows(d, inverseRows<8>(d, loadDequantised(d, src + 8 * r, table + 8 * r), r), rows + r);
-  }
-  inverseColumns<8>(rows);
-}
-
-// From the kSize x kSize lowest coefficients.
-template <int kSize>
-HWY_INLINE void inverseOfLowest(const int16_t* src, const uint16_t* table, Row (&rows)[8]) {
-  const RowTag d;
-  for (size_t r = 0; r < 8; ++r) {
-    rows[r] = hn::Set(d, static_cast<int16_t>(kInverseRowBias[r] >> kInverseRowShift));
-  }
-  for (size_t r = 0; r < kSize; ++r) {
-    const Row coefficients = hn::IfThenElseZero(hn::FirstN(d, kSize), loadDequantised(d, src + 8 * r, table + 8 * r));
-    rows[r] = inverseRows<4>(d, coefficients, r);
-  }
-  inverseColumns<kSize>(rows);
-}
-
-HWY_INLINE void storeLevelShifted(const Row (&rows)[8], uint8_t* dst, int32_t dstStep) {
-  const RowTag d;
-  const hn::Rebind<uint8_t, RowTag> d8;
-  for (int32_t y = 0; y < 8; ++y) {
-    hn::StoreU(hn::DemoteTo(d8, hn::SaturatedAdd(rows[y], hn::Set(d, 128))), d8, rowAt(dst, dstStep, y));
-  }
-}
-
-void levelShifted(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  Row rows[8];
-  inverse(src, table, rows);
-  storeLevelShifted(rows, dst, dstStep);
-}
-
-template <int kSize>
-void levelShiftedFromLowest(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  Row rows[8];
-  inverseOfLowest<kSize>(src, table, rows);
-  storeLevelShifted(rows, dst, dstStep);
-}
-
-void centred(const int16_t* src, int16_t* dst, const uint16_t* table) {
-  const RowTag d;
-  Row rows[8];
-  inverse(src, table, rows);
-  for (size_t y = 0; y < 8; ++y) hn::StoreU(rows[y], d, dst + 8 * y);
-}
-
-using FloatTag = hn::FixedTag<float, 4>;
-using Floats = hn::Vec<FloatTag>;
-
-// Four points from four coefficients, one dimension, in the scale where the first passes through.
-HWY_INLINE void inverseFour(Floats (&f)[4]) {
-  const FloatTag d;
-  const Floats c1 = hn::Set(d, kCosine1Of4), c3 = hn::Set(d, kCosine3Of4);
-  const Floats even0 = hn::Add(f[0], f[2]), even1 = hn::Sub(f[0], f[2]);
-  const Floats odd0 = hn::Add(hn::Mul(c1, f[1]), hn::Mul(c3, f[3])),
-               odd1 = hn::Sub(hn::Mul(c3, f[1]), hn::Mul(c1, f[3]));
-  f[0] = hn::Add(even0, odd0);
-  f[1] = hn::Add(even1, odd1);
-  f[2] = hn::Sub(even1, odd1);
-  f[3] = hn::Sub(even0, odd0);
-}
-
-HWY_INLINE void transpose(Floats (&f)[4]) {
-  const FloatTag d;
-  const hn::Repartition<double, FloatTag> d64;
-  const auto pair = [&](Floats a) HWY_ATTR { return hn::BitCast(d64, a); };
-  const Floats a = hn::InterleaveLower(d, f[0], f[1]), b = hn::InterleaveLower(d, f[2], f[3]);
-  const Floats c = hn::InterleaveUpper(d, f[0], f[1]), e = hn::InterleaveUpper(d, f[2], f[3]);
-  f[0] = hn::BitCast(d, hn::InterleaveLower(d64, pair(a), pair(b)));
-  f[1] = hn::BitCast(d, hn::InterleaveUpper(d64, pair(a), pair(b)));
-  f[2] = hn::BitCast(d, hn::InterleaveLower(d64, pair(c), pair(e)));
-  f[3] = hn::BitCast(d, hn::InterleaveUpper(d64, pair(c), pair(e)));
-}
-
-void levelShiftedTo4x4(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  const FloatTag d;
-  const hn::Rebind<int32_t, FloatTag> d32;
-  const hn::Rebind<int16_t, FloatTag> d16;
-  const hn::Rebind<uint8_t, FloatTag> d8;
-  Floats f[4];
-  for (size_t v = 0; v < 4; ++v)
-    f[v] = hn::ConvertTo(d, hn::PromoteTo(d32, loadDequantised(d16, src + 8 * v, table + 8 * v)));
-  inverseFour(f);
-  transpose(f);
-  inverseFour(f);
-  transpose(f);
-  for (int32_t y = 0; y < 4; ++y) {
-    const auto rounded = hn::NearestInt(hn::Mul(f[y], hn::Set(d, 0.125f)));
-    const auto shifted = hn::SaturatedAdd(hn::DemoteTo(d16, rounded), hn::Set(d16, 128));
-    hn::StoreU(hn::DemoteTo(d8, shifted), d8, rowAt(dst, dstStep, y));
-  }
-}
-
-HWY_INLINE Floats weightedSum(Floats a, Floats b, Floats c, Floats d, Floats wa, Floats wb, Floats wc, Floats wd) {
-  return hn::Add(hn::Add(hn::Add(hn::Mul(wa, a), hn::Mul(wb, b)), hn::Mul(wc, c)), hn::Mul(wd, d));
-}
-
-void levelShiftedFloat(const int16_t* src, uint16_t* dst, int32_t dstStep, const float* table) {
-  const FloatTag d;
-  const hn::Rebind<int32_t, FloatTag> d32;
-  const hn::Rebind<int16_t, FloatTag> d16;
-  const hn::Rebind<uint16_t, FloatTag> du16;
-  Floats halves[2][8];  // the left and right half of every row after the row pass
-  for (size_t v = 0; v < 8; ++v) {
-    const auto coefficients = [&](size_t u) HWY_ATTR {
-      const auto integers = hn::PromoteTo(d32, hn::LoadU(d16, src + 8 * v + u));
-      return hn::Mul(hn::ConvertTo(d, integers), hn::LoadU(d, table + 8 * v + u));
-    };
-    const Floats low = coefficients(0), high = coefficients(4);
-    const auto sum = [&](const float(&w)[4][4], Floats a, Floats b, Floats c, Floats e) HWY_ATTR {
-      return weightedSum(a, b, c, e, hn::Load(d, w[0]), hn::Load(d, w[1]), hn::Load(d, w[2]), hn::Load(d, w[3]));
-    };
-    const Floats even = sum(kFloatWeights.even, hn::Broadcast<0>(low), hn::Broadcast<2>(low), hn::Broadcast<0>(high),
-                            hn::Broadcast<2>(high));
-    const Floats odd = sum(kFloatWeights.odd, hn::Broadcast<1>(low), hn::Broadcast<3>(low), hn::Broadcast<1>(high),
-                           hn::Broadcast<3>(high));
-    halves[0][v] = hn::Add(even, odd);
-    halves[1][v] = hn::Reverse(d, hn::Sub(even, odd));
-  }
-  const auto storeSamples = [&](Floats value, int32_t y, size_t half) HWY_ATTR {
-    const Floats shifted = hn::Add(value, hn::Set(d, kFloatLevel));
-    const Floats clamped = hn::Min(hn::Max(shifted, hn::Zero(d)), hn::Set(d, kFloatMaximum));
-    const auto integers = hn::ConvertTo(d32, hn::IfThenZeroElse(hn::IsNaN(shifted), clamped));
-    hn::StoreU(hn::DemoteTo(du16, integers), du16, rowAt(dst, dstStep, y) + 4 * half);
+// The row pass from the lowest kSize coefficients of each row. The samples come in the order 0 1 2 3 7 6 5 4, which
+// restoreOrder changes after the column pass.
+template <int kSize, class D>
+HWY_INLINE hn::Vec<D> transformRows(D d, hn::Vec<D> coefficients, int firstRow) {
+  constexpr hn::RepartitionToWide<D> d32;
+  const auto product = [&](hn::Vec<decltype(d32)> sum, Pair pair) HWY_ATTR {
+    static constexpr PairBytes kBytes[kPairCount] = {pairBytes(kPair02, kSize == 2), pairBytes(kPair46, false),
+                                                     pairBytes(kPair13, kSize == 2), pairBytes(kPair57, false)};
+    const auto bytes = hn::BitCast(d, hn::LoadDup128(hn::Repartition<uint8_t, D>(), kBytes[pair].at));
+    return addPairProducts(sum, hn::TableLookupBytes(coefficients, bytes),
+                           hn::LoadU(d, kPairWeights.at[pair][firstRow]));
   };
-  for (size_t half = 0; half < 2; ++half) {
-    const Floats(&f)[8] = halves[half];
-    for (int32_t y = 0; y < 4; ++y) {
-      const auto sum = [&](const float(&w)[4][4], size_t u) HWY_ATTR {
-        return weightedSum(f[u], f[u + 2], f[u + 4], f[u + 6], hn::Set(d, w[0][y]), hn::Set(d, w[1][y]),
-                           hn::Set(d, w[2][y]), hn::Set(d, w[3][y]));
-      };
-      const Floats even = sum(kFloatWeights.even, 0), odd = sum(kFloatWeights.odd, 1);
-      storeSamples(hn::Add(even, odd), y, half);
-      storeSamples(hn::Sub(even, odd), 7 - y, half);
+  auto even = product(hn::LoadU(d32, kPairWeights.bias[firstRow]), kPair02);
+  auto odd = product(hn::Zero(d32), kPair13);
+  if constexpr (kSize == 8) {
+    even = product(even, kPair46);
+    odd = product(odd, kPair57);
+  }
+  return hn::ReorderDemote2To(d, hn::ShiftRight<kRowShift>(hn::Add(even, odd)),
+                              hn::ShiftRight<kRowShift>(hn::Sub(even, odd)));
+}
+
+template <class D>
+HWY_INLINE hn::Vec<D> dequantise(D d, const int16_t* src, const uint16_t* table) {
+  return hn::Mul(hn::LoadU(d, src), hn::BitCast(d, hn::LoadU(hn::RebindToUnsigned<D>(), table)));
+}
+
+template <int kSize>
+HWY_INLINE Halves transform(const int16_t* src, const uint16_t* table) {
+  constexpr RowsTag<kSize> d;
+  Columns y[kSize];
+  HWY_UNROLL(8)
+  for (int row = 0; row < kSize; row += kRowsPerVector<kSize>) {
+    split(transformRows<kSize>(d, dequantise(d, src + 8 * row, table + 8 * row), row), y + row);
+  }
+  return transformColumns(y);
+}
+
+// Samples first to first + kRowsPerVector - 1 of each column, and those as far from the other end, mirrored.
+template <class D>
+HWY_INLINE void finish(D, const Halves& halves, int first, hn::Vec<D>& upper, hn::Vec<D>& lower) {
+  hn::Vec<D> even, odd;
+  join(halves.even + first, even);
+  join(halves.odd + first, odd);
+  upper = hn::ShiftRight<kColumnShift>(hn::SaturatedAdd(even, odd));
+  lower = hn::ShiftRight<kColumnShift>(hn::SaturatedSub(even, odd));
+}
+
+void block(const int16_t* src, int16_t* dst, const uint16_t* table) {
+  constexpr RowsTag<4> d;
+  alignas(16) static constexpr uint8_t kOrder[16] = {0, 1, 2, 3, 4, 5, 6, 7, 14, 15, 12, 13, 10, 11, 8, 9};
+  const auto order = hn::BitCast(d, hn::LoadDup128(hn::Repartition<uint8_t, RowsTag<4>>(), kOrder));
+  const Halves halves = transform<8>(src, table);
+  HWY_UNROLL(4)
+  for (int first = 0; first < 4; first += kRowsPerVector<4>) {
+    hn::Vec<RowsTag<4>> upper, lower;
+    finish(d, halves, first, upper, lower);
+    hn::StoreU(hn::TableLookupBytes(upper, order), d, dst + 8 * first);
+    Columns mirrored[kRowsPerVector<4>];
+    split(hn::TableLookupBytes(lower, order), mirrored);
+    for (int i = 0; i < kRowsPerVector<4>; ++i) {
+      hn::StoreU(mirrored[i], hn::FixedTag<int16_t, 8>(), dst + 8 * (7 - first - i));
     }
   }
+}
+
+template <int kSize>
+void toSamples(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
+  constexpr RowsTag<4> d;
+  constexpr hn::Repartition<int8_t, RowsTag<4>> d8;
+  // 128 is added after the saturation, to signed bytes.
+  alignas(16) static constexpr int8_t kOrder[16] = {0, 1, 2, 3, 7, 6, 5, 4, 8, 9, 10, 11, 15, 14, 13, 12};
+  const auto order = hn::LoadDup128(d8, kOrder);
+  const Halves halves = transform<kSize>(src, table);
+  HWY_UNROLL(4)
+  for (int first = 0; first < 4; first += kRowsPerVector<4>) {
+    hn::Vec<RowsTag<4>> upper, lower;
+    finish(d, halves, first, upper, lower);
+    const auto samples = hn::Xor(hn::TableLookupBytes(packToBytes(upper, lower), order), hn::Set(d8, -128));
+    Columns rows[kRowsPerVector<4>];
+    split(hn::BitCast(d, samples), rows);
+    for (int i = 0; i < kRowsPerVector<4>; ++i) {
+      uint8_t* const row = dst + static_cast<ptrdiff_t>(first + i) * dstStep;
+      uint8_t* const mirrored = dst + static_cast<ptrdiff_t>(7 - first - i) * dstStep;
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(row), rows[i].raw);
+      _mm_storeh_pd(reinterpret_cast<double*>(mirrored), _mm_castsi128_pd(rows[i].raw));
+    }
+  }
+}
+
+// The 4-point transform along the columns of the 4x4 block whose rows 0 and 1, then 2 and 3, are given.
+template <int kShift>
+HWY_INLINE void transform4(hn::Vec128<int16_t>& rows01, hn::Vec128<int16_t>& rows23) {
+  constexpr hn::FixedTag<int16_t, 8> d;
+  constexpr hn::FixedTag<int32_t, 4> d32;
+  const auto weights = [&](int first, int second) HWY_ATTR {
+    return hn::BitCast(d, hn::Set(d32, static_cast<int32_t>(static_cast<uint32_t>(second) << 16 | (first & 0xFFFF))));
+  };
+  const auto rows02 = hn::InterleaveLower(rows01, rows23), rows13 = hn::InterleaveUpper(d, rows01, rows23);
+  const auto rounding = hn::Set(d32, 1 << (kShift - 1)), zero = hn::Zero(d32);
+  const auto even0 = addPairProducts(rounding, rows02, weights(kSmallEven, kSmallEven));
+  const auto even1 = addPairProducts(rounding, rows02, weights(kSmallEven, -kSmallEven));
+  const auto odd0 = addPairProducts(zero, rows13, weights(kSmallOdd1, kSmallOdd3));
+  const auto odd1 = addPairProducts(zero, rows13, weights(kSmallOdd3, -kSmallOdd1));
+  rows01 = hn::ReorderDemote2To(d, hn::ShiftRight<kShift>(hn::Add(even0, odd0)),
+                                hn::ShiftRight<kShift>(hn::Add(even1, odd1)));
+  rows23 = hn::ReorderDemote2To(d, hn::ShiftRight<kShift>(hn::Sub(even1, odd1)),
+                                hn::ShiftRight<kShift>(hn::Sub(even0, odd0)));
+}
+
+HWY_INLINE void transpose4(hn::Vec128<int16_t>& rows01, hn::Vec128<int16_t>& rows23) {
+  constexpr hn::FixedTag<int16_t, 8> d;
+  const auto even = hn::InterleaveLower(rows01, rows23), odd = hn::InterleaveUpper(d, rows01, rows23);
+  rows01 = hn::InterleaveLower(even, odd);
+  rows23 = hn::InterleaveUpper(d, even, odd);
+}
+
+void to4x4Samples(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
+  constexpr hn::FixedTag<int16_t, 8> d;
+  constexpr hn::FixedTag<int16_t, 4> half;
+  const auto rows = [&](int first) HWY_ATTR {
+    return hn::Combine(d, dequantise(half, src + 8 * first + 8, table + 8 * first + 8),
+                       dequantise(half, src + 8 * first, table + 8 * first));
+  };
+  auto rows01 = rows(0), rows23 = rows(2);
+  transform4<kSmallFirstShift>(rows01, rows23);
+  transpose4(rows01, rows23);
+  transform4<kSmallSecondShift>(rows01, rows23);
+  transpose4(rows01, rows23);
+  const auto samples = hn::Xor(packToBytes(rows01, rows23), hn::Set(hn::FixedTag<int8_t, 16>(), -128));
+  alignas(16) uint8_t bytes[16];
+  hn::Store(hn::BitCast(hn::FixedTag<uint8_t, 16>(), samples), hn::FixedTag<uint8_t, 16>(), bytes);
+  for (ptrdiff_t y = 0; y < 4; ++y) std::memcpy(dst + y * dstStep, bytes + 4 * y, 4);
 }
 
 #else
 
-// The row pass of row r on the kColumns lowest coefficients, in place.
-template <int kColumns>
-void inverseRow(int16_t* row, size_t r) {
-  static constexpr auto kWeights = [] {
-    std::array<std::array<std::array<int16_t, 4>, 8>, 8> weights{};
-    for (size_t k = 0; k < 8; ++k) {
-      for (size_t u = 0; u < 8; ++u) {
-        for (size_t x = 0; x < 4; ++x) weights[k][u][x] = rowWeight(k, u, x);
-      }
-    }
-    return weights;
-  }();
-  int16_t result[8];
-  for (size_t x = 0; x < 4; ++x) {
-    uint32_t even = static_cast<uint32_t>(kInverseRowBias[r]), odd = 0;
-    for (size_t u = 0; u < kColumns; u += 2) {
-      even += static_cast<uint32_t>(kWeights[r][u][x] * row[u]);
-      odd += static_cast<uint32_t>(kWeights[r][u + 1][x] * row[u + 1]);
-    }
-    result[x] = saturate16(static_cast<int32_t>(even + odd) >> kInverseRowShift);
-    result[7 - x] = saturate16(static_cast<int32_t>(even - odd) >> kInverseRowShift);
-  }
-  std::memcpy(row, result, sizeof result);
-}
+// Weights by row, sample of the first half and frequency.
+constexpr auto kWeights = [] {
+  std::array<std::array<std::array<int16_t, 8>, 4>, 8> weights{};
+  for (int i = 0; i < 256; ++i) weights[i / 32][i / 8 % 4][i % 8] = dctRowWeight(i / 32, i % 8, i / 8 % 4);
+  return weights;
+}();
 
-// From the kSize x kSize lowest coefficients.
-template <int kSize>
-void inverse(const int16_t* src, const uint16_t* table, int16_t (&block)[64]) {
-  for (size_t r = 0; r < 8; ++r) {
-    int16_t* row = block + 8 * r;
-    if (r < kSize) {
-      for (size_t u = 0; u < kSize; ++u) row[u] = dequantisedAt(src, table, 8 * r + u);
-      inverseRow<kSize>(row, r);
-    } else {
-      std::fill_n(row, 8, static_cast<int16_t>(kInverseRowBias[r] >> kInverseRowShift));
-    }
-  }
-  for (size_t column = 0; column < 8; ++column) {
-    int16_t y[8];
-    for (size_t r = 0; r < 8; ++r) y[r] = block[8 * r + column];
-    inverseColumns<kSize>(y);
-    for (size_t r = 0; r < 8; ++r) block[8 * r + column] = y[r];
-  }
+int16_t dequantise(const int16_t* src, const uint16_t* table) {
+  return static_cast<int16_t>(loadUnaligned(src) * loadUnaligned(table));
 }
 
 template <int kSize>
-void levelShiftedFromLowest(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  int16_t block[64];
-  inverse<kSize>(src, table, block);
-  for (int32_t y = 0; y < 8; ++y) {
-    uint8_t* row = rowAt(dst, dstStep, y);
-    for (int32_t x = 0; x < 8; ++x) row[x] = levelShift(block[8 * y + x]);
-  }
-}
-
-void levelShifted(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  levelShiftedFromLowest<8>(src, dst, dstStep, table);
-}
-
-void centred(const int16_t* src, int16_t* dst, const uint16_t* table) {
-  int16_t block[64];
-  inverse<8>(src, table, block);
-  std::memcpy(static_cast<void*>(dst), block, sizeof block);
-}
-
-// Four points from four coefficients `step` apart, in the scale where the first passes through.
-void inverseFour(float* f, size_t step) {
-  const float f0 = f[0], f1 = f[step], f2 = f[2 * step], f3 = f[3 * step];
-  const float even0 = f0 + f2, even1 = f0 - f2;
-  const float odd0 = kCosine1Of4 * f1 + kCosine3Of4 * f3, odd1 = kCosine3Of4 * f1 - kCosine1Of4 * f3;
-  f[0] = even0 + odd0;
-  f[step] = even1 + odd1;
-  f[2 * step] = even1 - odd1;
-  f[3 * step] = even0 - odd0;
-}
-
-void levelShiftedTo4x4(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
-  float f[16];
-  for (size_t i = 0; i < 16; ++i) f[i] = dequantisedAt(src, table, 8 * (i / 4) + i % 4);
-  for (size_t u = 0; u < 4; ++u) inverseFour(f + u, 4);
-  for (size_t y = 0; y < 4; ++y) inverseFour(f + 4 * y, 1);
-  for (int32_t y = 0; y < 4; ++y) {
-    uint8_t* row = rowAt(dst, dstStep, y);
-    for (int32_t x = 0; x < 4; ++x) row[x] = levelShift(static_cast<int32_t>(std::lrint(f[4 * y + x] * 0.125f)));
-  }
-}
-
-// One dimension; `step` apart.
-void inverseFloat(float* f, size_t step) {
-  float result[8];
-  for (size_t x = 0; x < 4; ++x) {
-    const auto weighted = [&](const float(&weights)[4][4], size_t u) {
-      return ((weights[0][x] * f[u * step] + weights[1][x] * f[(u + 2) * step]) + weights[2][x] * f[(u + 4) * step]) +
-             weights[3][x] * f[(u + 6) * step];
-    };
-    const float even = weighted(kFloatWeights.even, 0), odd = weighted(kFloatWeights.odd, 1);
-    result[x] = even + odd;
-    result[7 - x] = even - odd;
-  }
-  for (size_t x = 0; x < 8; ++x) f[x * step] = result[x];
-}
-
-void levelShiftedFloat(const int16_t* src, uint16_t* dst, int32_t dstStep, const float* table) {
-  float block[64];
-  for (size_t i = 0; i < 64; ++i) block[i] = static_cast<float>(loadUnaligned(src + i)) * loadUnaligned(table + i);
-  for (size_t v = 0; v < 8; ++v) inverseFloat(block + 8 * v, 1);
-  for (size_t x = 0; x < 8; ++x) inverseFloat(block + x, 8);
-  for (int32_t y = 0; y < 8; ++y) {
-    for (int32_t x = 0; x < 8; ++x) {
-      const float shifted = block[8 * y + x] + kFloatLevel;
-      const float clamped = std::isnan(shifted) ? 0.0f : std::min(std::max(shifted, 0.0f), kFloatMaximum);
-      storeUnaligned(rowAt(dst, dstStep, y) + x, static_cast<uint16_t>(clamped));
+void transformRow(int row, const int16_t (&coefficients)[kSize], int16_t* samples) {
+  for (int x = 0; x < 4; ++x) {
+    uint32_t even = static_cast<uint32_t>(kRowBias[row]), odd = 0;
+    for (int u = 0; u < kSize; u += 2) {
+      even += static_cast<uint32_t>(kWeights[row][x][u] * coefficients[u]);
+      odd += static_cast<uint32_t>(kWeights[row][x][u + 1] * coefficients[u + 1]);
     }
+    samples[x] = saturate(static_cast<int32_t>(even + odd) >> kRowShift);
+    samples[7 - x] = saturate(static_cast<int32_t>(even - odd) >> kRowShift);
+  }
+}
+
+// The inverse DCT of the lowest kSize x kSize coefficients, the others taken as 0.
+template <int kSize>
+void transform(const int16_t* src, const uint16_t* table, int16_t (&samples)[64]) {
+  int16_t rows[kSize][8];
+  for (int row = 0; row < kSize; ++row) {
+    int16_t coefficients[kSize];
+    for (int u = 0; u < kSize; ++u) coefficients[u] = dequantise(src + 8 * row + u, table + 8 * row + u);
+    transformRow(row, coefficients, rows[row]);
+  }
+  for (int x = 0; x < 8; ++x) {
+    int16_t column[kSize];
+    for (int row = 0; row < kSize; ++row) column[row] = rows[row][x];
+    const Halves halves = transformColumns(column);
+    for (int i = 0; i < 4; ++i) {
+      samples[8 * i + x] = static_cast<int16_t>(add(halves.even[i], halves.odd[i]) >> kColumnShift);
+      samples[8 * (7 - i) + x] = static_cast<int16_t>(subtract(halves.even[i], halves.odd[i]) >> kColumnShift);
+    }
+  }
+}
+
+void block(const int16_t* src, int16_t* dst, const uint16_t* table) {
+  int16_t samples[64];
+  transform<8>(src, table, samples);
+  std::memcpy(static_cast<void*>(dst), samples, sizeof samples);
+}
+
+uint8_t levelShifted(int sample) { return static_cast<uint8_t>(std::clamp(sample + 128, 0, 255)); }
+
+template <int kSize>
+void toSamples(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
+  int16_t samples[64];
+  transform<kSize>(src, table, samples);
+  for (ptrdiff_t y = 0; y < 8; ++y) {
+    for (ptrdiff_t x = 0; x < 8; ++x) dst[y * dstStep + x] = levelShifted(samples[8 * y + x]);
+  }
+}
+
+template <int kShift>
+void transform4(int16_t* values, int stride) {
+  int16_t* const v[4] = {values, values + stride, values + 2 * stride, values + 3 * stride};
+  constexpr int rounding = 1 << (kShift - 1);
+  const int even0 = kSmallEven * (*v[0] + *v[2]) + rounding, even1 = kSmallEven * (*v[0] - *v[2]) + rounding;
+  const int odd0 = kSmallOdd1 * *v[1] + kSmallOdd3 * *v[3], odd1 = kSmallOdd3 * *v[1] - kSmallOdd1 * *v[3];
+  *v[0] = saturate((even0 + odd0) >> kShift);
+  *v[1] = saturate((even1 + odd1) >> kShift);
+  *v[2] = saturate((even1 - odd1) >> kShift);
+  *v[3] = saturate((even0 - odd0) >> kShift);
+}
+
+void to4x4Samples(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table) {
+  int16_t values[16];
+  for (int i = 0; i < 16; ++i) {
+    const int position = 8 * (i / 4) + i % 4;
+    values[i] = dequantise(src + position, table + position);
+  }
+  for (int x = 0; x < 4; ++x) transform4<kSmallFirstShift>(values + x, 4);
+  for (int y = 0; y < 4; ++y) transform4<kSmallSecondShift>(values + 4 * y, 1);
+  for (ptrdiff_t y = 0; y < 4; ++y) {
+    for (ptrdiff_t x = 0; x < 4; ++x) dst[y * dstStep + x] = levelShifted(values[4 * y + x]);
   }
 }
 
 #endif
 
-constexpr DctInverseKernels kernels = {&levelShifted,
-                                       &levelShiftedFromLowest<4>,
-                                       &levelShiftedFromLowest<2>,
-                                       &levelShiftedFromDc,
-                                       &levelShiftedTo4x4,
-                                       &levelShiftedTo2x2,
-                                       &centred,
-                                       &levelShiftedFloat};
+constexpr DctInverseKernels kernels = {&block, &toSamples<8>, &toSamples<4>, &toSamples<2>, &to4x4Samples};
 
 }  // namespace
 }  // namespace zorj::HWY_NAMESPACE

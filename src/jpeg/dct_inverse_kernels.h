@@ -1,4 +1,4 @@
-// Blocks of the inverse DCT with dequantisation: coefficients times the table, wrapped to 16 bits.
+// Dequantisation and inverse DCT of one 8x8 block.
 #pragma once
 
 #include <cstdint>
@@ -8,19 +8,14 @@ namespace zorj {
 struct DctInverseKernels {
   using ToSamples = void (*)(const int16_t* src, uint8_t* dst, int32_t dstStep, const uint16_t* table);
 
-  // 8x8 samples, plus 128, clamped: from all coefficients, or from the 4x4 or 2x2 lowest.
-  ToSamples levelShifted;
-  ToSamples levelShiftedFrom4x4;
-  ToSamples levelShiftedFrom2x2;
-  // 8x8 samples of one value: the DC coefficient's 32-bit product / 8 rounded down, plus 128 in 16 bits, clamped.
-  ToSamples levelShiftedFromDc;
-  // 4x4 or 2x2 samples from as many lowest coefficients: the inverse of that size, rounded, plus 128, clamped.
-  ToSamples levelShiftedTo4x4;
-  ToSamples levelShiftedTo2x2;
-  // 8x8 signed values; `src` may be `dst`.
-  void (*centred)(const int16_t* src, int16_t* dst, const uint16_t* table);
-  // Coefficients times the table, transformed in single precision, plus 2048, truncated, clamped to 0 .. 4095.
-  void (*levelShiftedFloat)(const int16_t* src, uint16_t* dst, int32_t dstStep, const float* table);
+  // f = the fixed-point inverse DCT of src[i] table[i] (wrapping in 16 bits). dst may be src.
+  void (*block)(const int16_t* src, int16_t* dst, const uint16_t* table);
+  // clamp(f + 128, 0, 255), from all coefficients, or from the lowest 4x4 or 2x2 of them with the others taken as 0.
+  ToSamples toSamples;
+  ToSamples toSamplesFrom4x4;
+  ToSamples toSamplesFrom2x2;
+  // The 4-point inverse DCT of the lowest 4x4 coefficients, in the scale where F(0,0) = 8s gives s: 4x4 samples.
+  ToSamples to4x4Samples;
 };
 
 const DctInverseKernels& dctInverseKernels();

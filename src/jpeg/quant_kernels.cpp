@@ -1,7 +1,5 @@
 #include "jpeg/quant_kernels.h"
 
-#include <cstddef>
-
 #include "core/isa.h"
 #include "core/unaligned.h"
 
@@ -15,42 +13,47 @@
 HWY_BEFORE_NAMESPACE();
 namespace zorj::HWY_NAMESPACE {
 namespace {
+
+#if ZORJ_SIMD
+
 namespace hn = hwy::HWY_NAMESPACE;
 
-void quantise(int16_t* block, const uint16_t* forwardTable) {
-#if ZORJ_SIMD
-  const hn::CappedTag<int16_t, 32> d;
+void quantise(int16_t* block, const uint16_t* table) {
+  const hn::CappedTag<int16_t, 64> d;
   const hn::RebindToUnsigned<decltype(d)> du;
+  const auto one = hn::Set(d, 1);
   for (size_t i = 0; i < 64; i += hn::Lanes(d)) {
-    const auto scaled = hn::ShiftLeft<3>(hn::LoadU(d, block + i));
-    const auto half = hn::BitCast(d, hn::ShiftRight<1>(hn::LoadU(du, forwardTable + i)));
-    const auto product = hn::MulHigh(scaled, half);
-    hn::StoreU(hn::ShiftRight<1>(hn::Add(product, hn::Set(d, 1))), d, block + i);
+    const auto half = hn::BitCast(d, hn::ShiftRight<1>(hn::LoadU(du, table + i)));
+    const auto product = hn::MulHigh(hn::ShiftLeft<3>(hn::LoadU(d, block + i)), half);
+    hn::StoreU(hn::ShiftRight<1>(hn::Add(product, one)), d, block + i);
   }
-#else
-  for (size_t i = 0; i < 64; ++i) {
-    const int32_t scaled = static_cast<int16_t>(loadUnaligned(block + i) * 8);
-    const int32_t half = loadUnaligned(forwardTable + i) >> 1;
-    storeUnaligned(block + i, static_cast<int16_t>(((scaled * half >> 16) + 1) >> 1));
-  }
-#endif
 }
 
-void dequantise(int16_t* block, const uint16_t* inverseTable) {
-#if ZORJ_SIMD
-  const hn::CappedTag<int16_t, 32> d;
+void dequantise(int16_t* block, const uint16_t* table) {
+  const hn::CappedTag<int16_t, 64> d;
   const hn::RebindToUnsigned<decltype(d)> du;
   for (size_t i = 0; i < 64; i += hn::Lanes(d)) {
-    const auto step = hn::BitCast(d, hn::LoadU(du, inverseTable + i));
-    hn::StoreU(hn::Mul(hn::LoadU(d, block + i), step), d, block + i);
+    hn::StoreU(hn::Mul(hn::LoadU(d, block + i), hn::BitCast(d, hn::LoadU(du, table + i))), d, block + i);
   }
-#else
-  for (size_t i = 0; i < 64; ++i) {
-    const int64_t product = int64_t{loadUnaligned(block + i)} * loadUnaligned(inverseTable + i);
-    storeUnaligned(block + i, static_cast<int16_t>(product));
-  }
-#endif
 }
+
+#else
+
+void quantise(int16_t* block, const uint16_t* table) {
+  for (size_t i = 0; i < 64; ++i) {
+    const int16_t scaled = static_cast<int16_t>(loadUnaligned(block + i) * 8);
+    const int product = scaled * (loadUnaligned(table + i) >> 1) >> 16;
+    storeUnaligned(block + i, static_cast<int16_t>((product + 1) >> 1));
+  }
+}
+
+void dequantise(int16_t* block, const uint16_t* table) {
+  for (size_t i = 0; i < 64; ++i) {
+    storeUnaligned(block + i, static_cast<int16_t>(loadUnaligned(block + i) * loadUnaligned(table + i)));
+  }
+}
+
+#endif
 
 constexpr QuantKernels kernels = {&quantise, &dequantise};
 

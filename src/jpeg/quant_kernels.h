@@ -1,4 +1,4 @@
-// Blocks of the standalone quantisation.
+// Quantisation and dequantisation of one block of 64 coefficients, without a transform.
 #pragma once
 
 #include <cstdint>
@@ -6,10 +6,10 @@
 namespace zorj {
 
 struct QuantKernels {
-  // c -> (floor((8 c) (T / 2) / 65536) + 1) >> 1, 8 c wrapped to 16 bits, T / 2 rounded down.
-  void (*quantise)(int16_t* block, const uint16_t* forwardTable);
-  // c -> the low 16 bits of c q.
-  void (*dequantise)(int16_t* block, const uint16_t* inverseTable);
+  // c = (((c * 8) * (T >> 1) >> 16) + 1) >> 1, with c * 8 wrapping in 16 bits.
+  void (*forward)(int16_t* block, const uint16_t* table);
+  // c = c * T, wrapping in 16 bits.
+  void (*inverse)(int16_t* block, const uint16_t* table);
 };
 
 const QuantKernels& quantKernels();

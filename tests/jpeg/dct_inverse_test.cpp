@@ -1,254 +1,321 @@
 #include <gtest/gtest.h>
 #include <zorj.h>
 
-#include "jpeg/dct_support.h"
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "core/unaligned.h"
+#include "reference/dct.h"
 #include "support/arguments.h"
 #include "support/blocks.h"
+#include "support/isa_levels.h"
 
 namespace zorj::test {
 namespace {
 
-using reference::Block;
-using reference::Steps;
 using ToSamples = StatusCode(ZORJ_CALL*)(const int16_t*, uint8_t*, int32_t, const uint16_t*);
-using Model = std::array<int, 64> (*)(const Block& coefficients, const Steps& steps);
+using Samples = std::array<uint8_t, 64>;
 
-Block lowest(const Block& coefficients, size_t size) {
-  Block kept{};
-  for (size_t v = 0; v < size; ++v) {
-    for (size_t u = 0; u < size; ++u) kept[8 * v + u] = coefficients[8 * v + u];
+uint8_t clampedSample(int64_t value) { return static_cast<uint8_t>(std::clamp<int64_t>(value + 128, 0, 255)); }
+
+// The dequantised coefficients, those outside the lowest size x size taken as 0.
+reference::Block dequantisedBlock(const int16_t* src, const uint16_t* table, int size = 8) {
+  reference::Block block{};
+  for (int i = 0; i < 64; ++i) {
+    if (i / 8 >= size || i % 8 >= size) continue;
+    block[i] = reference::dequantised(loadUnaligned(src + i), loadUnaligned(table + i));
   }
-  return kept;
+  return block;
 }
 
-std::array<int, 64> shifted(const Block& samples) {
-  std::array<int, 64> result;
-  for (size_t i = 0; i < 64; ++i) result[i] = reference::clampedByte(samples[i] + 128);
-  return result;
+Samples levelShifted(const reference::Block& block) {
+  Samples samples;
+  std::transform(block.begin(), block.end(), samples.begin(), clampedSample);
+  return samples;
 }
 
-template <size_t kSize>
-std::array<int, 64> modelOfLowest(const Block& coefficients, const Steps& steps) {
-  return shifted(reference::inverseFixed(reference::dequantised(lowest(coefficients, kSize), steps)));
+template <int kSize>
+Samples modelFrom(const int16_t* src, const uint16_t* table) {
+  return levelShifted(reference::fixedInverse(dequantisedBlock(src, table, kSize)));
 }
 
-std::array<int, 64> modelOfDc(const Block& coefficients, const Steps& steps) {
-  const int64_t product = int64_t{coefficients[0]} * steps[0];
-  std::array<int, 64> result;
-  result.fill(reference::clampedByte(reference::wrapped((product >= 0 ? product / 8 : -((7 - product) / 8)) + 128)));
-  return result;
+Samples modelFrom1x1(const int16_t* src, const uint16_t* table) {
+  const int product = loadUnaligned(src) * loadUnaligned(table);
+  Samples samples;
+  samples.fill(clampedSample(reference::wrap16((product >> 3) + 128) - 128));
+  return samples;
 }
 
-std::array<int, 64> modelTo2x2(const Block& coefficients, const Steps& steps) {
-  const Block f = reference::dequantised(coefficients, steps);
-  std::array<int, 64> result{};
+Samples modelTo4x4(const int16_t* src, const uint16_t* table) {
+  const reference::Block coefficients = dequantisedBlock(src, table, 4);
+  int columns[4][4], row[4];
+  for (int x = 0; x < 4; ++x) {
+    for (int v = 0; v < 4; ++v) columns[x][v] = coefficients[8 * v + x];
+    reference::fourPointInverse(columns[x], 11);
+  }
+  Samples samples{};
+  for (int y = 0; y < 4; ++y) {
+    for (int u = 0; u < 4; ++u) row[u] = columns[u][y];
+    reference::fourPointInverse(row, 18);
+    for (int x = 0; x < 4; ++x) samples[8 * y + x] = clampedSample(row[x]);
+  }
+  return samples;
+}
+
+Samples modelTo2x2(const int16_t* src, const uint16_t* table) {
+  const reference::Block c = dequantisedBlock(src, table, 2);
+  Samples samples{};
   for (int y = 0; y < 2; ++y) {
     for (int x = 0; x < 2; ++x) {
-      const int sum = f[0] + (x ? -f[1] : f[1]) + (y ? -f[8] : f[8]) + (x != y ? -f[9] : f[9]);
-      const int rounded = static_cast<int>(std::floor((sum + 4) / 8.0));
-      result[static_cast<size_t>(2 * y + x)] = reference::clampedByte(reference::saturated(rounded) + 128);
+      const int sum = c[0] + (x == 0 ? c[1] : -c[1]) + (y == 0 ? c[8] : -c[8]) + (x == y ? c[9] : -c[9]);
+      samples[8 * y + x] = clampedSample((sum + 4) >> 3);
     }
   }
-  return result;
+  return samples;
 }
 
-std::array<int, 64> modelTo4x4(const Block& coefficients, const Steps& steps) {
-  const Block f = reference::dequantised(coefficients, steps);
-  float values[16];
-  for (size_t i = 0; i < 16; ++i) values[i] = f[8 * (i / 4) + i % 4];
-  for (int u = 0; u < 4; ++u) reference::inverseFour(values + u, 4);
-  for (int y = 0; y < 4; ++y) reference::inverseFour(values + 4 * y, 1);
-  std::array<int, 64> result{};
-  for (size_t i = 0; i < 16; ++i) {
-    const int rounded = static_cast<int>(std::nearbyint(values[i] / 8));
-    result[i] = reference::clampedByte(reference::saturated(rounded) + 128);
-  }
-  return result;
-}
-
-struct Variant {
+struct SampleFunction {
   const char* name;
-  ToSamples subject;
-  Model model;
-  int size;  // of the block written
+  ToSamples function;
+  Samples (*model)(const int16_t* src, const uint16_t* table);
+  int size;  // of the result
 };
-
-constexpr Variant kVariants[] = {
-    {"zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R, &modelOfLowest<8>, 8},
-    {"zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R, &modelOfLowest<4>, 8},
-    {"zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R, &modelOfLowest<2>, 8},
-    {"zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R, &modelOfDc, 8},
+constexpr SampleFunction kSampleFunctions[] = {
+    {"zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R, &modelFrom<8>, 8},
+    {"zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R, &modelFrom<4>, 8},
+    {"zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R, &modelFrom<2>, 8},
+    {"zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R, &modelFrom1x1, 8},
     {"zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R, &modelTo4x4, 4},
     {"zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R", &zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R, &modelTo2x2, 2},
 };
 
-TEST(DctInverse, LevelShiftedEqualsModel) {
-  for (const Variant& variant : kVariants) {
+// Coefficients and steps of any size, or small enough that no stage saturates.
+OperandSpec coefficients() {
+  return filledWith<int16_t>(sourceArray<int16_t>(64), [](int16_t* values, size_t count, Random& random, int round) {
+    fillSamples(values, count, random, round);
+    if (round / kFillKinds % 2 == 0) return;
+    for (size_t i = 0; i < count; ++i) values[i] = static_cast<int16_t>(values[i] % 256);
+  });
+}
+OperandSpec steps() {
+  return filledWith<uint16_t>(sourceArray<uint16_t>(64), [](uint16_t* values, size_t count, Random& random, int round) {
+    fillSamples(values, count, random, round / 2);
+    if (round / kFillKinds % 2 == 0) return;
+    for (size_t i = 0; i < count; ++i) values[i] = static_cast<uint16_t>(random.between(1, 8));
+  });
+}
+
+TEST(DctInverse, SampleBlocksEqualModel) {
+  for (const SampleFunction& f : kSampleFunctions) {
     expectBlocksEqualModel(
-        variant.name,
-        {sourceArray<int16_t>(64), destinationImage<uint8_t>(variant.size, variant.size), sourceArray<uint16_t>(64)},
+        f.name, {coefficients(), destinationImage<uint8_t>(f.size, f.size), steps()},
         [&](const Operands& o) {
-          EXPECT_EQ(variant.subject(o.at<int16_t>(0), o.at<uint8_t>(1), o.step(1), o.at<uint16_t>(2)), StatusOk);
+          EXPECT_EQ(f.function(o.at<int16_t>(0), o.at<uint8_t>(1), o.step(1), o.at<uint16_t>(2)), StatusOk);
         },
         [&](const Operands& o) {
-          const auto samples = variant.model(loadArray<Block>(o, 0), loadArray<Steps>(o, 2));
-          for (int y = 0; y < variant.size; ++y) {
-            for (int x = 0; x < variant.size; ++x) {
-              storeSample(o, 1, x, y, static_cast<uint8_t>(samples[static_cast<size_t>(variant.size * y + x)]));
-            }
+          const Samples samples = f.model(o.at<int16_t>(0), o.at<uint16_t>(2));
+          for (int y = 0; y < f.size; ++y) {
+            std::memcpy(o.at<uint8_t>(1) + y * o.step(1), samples.data() + 8 * y, static_cast<size_t>(f.size));
           }
         });
   }
 }
 
-TEST(DctInverse, CentredEqualsModel) {
+TEST(DctInverse, SignedBlocksEqualModel) {
+  const auto model = [](const int16_t* src, int16_t* dst, const uint16_t* table) {
+    const reference::Block block = reference::fixedInverse(dequantisedBlock(src, table));
+    std::memcpy(static_cast<void*>(dst), block.data(), sizeof block);
+  };
   expectBlocksEqualModel(
-      "zoriDCTQuantInv8x8_JPEG_16s_C1",
-      {sourceArray<int16_t>(64), destinationArray<int16_t>(64), sourceArray<uint16_t>(64)},
+      "zoriDCTQuantInv8x8_JPEG_16s_C1", {coefficients(), destinationArray<int16_t>(64), steps()},
       [](const Operands& o) {
         EXPECT_EQ(zoriDCTQuantInv8x8_JPEG_16s_C1(o.at<int16_t>(0), o.at<int16_t>(1), o.at<uint16_t>(2)), StatusOk);
       },
-      [](const Operands& o) {
-        storeArray(o, 1,
-                   reference::inverseFixed(reference::dequantised(loadArray<Block>(o, 0), loadArray<Steps>(o, 2))));
-      });
+      [&](const Operands& o) { model(o.at<int16_t>(0), o.at<int16_t>(1), o.at<uint16_t>(2)); });
+  OperandSpec inPlace = coefficients();
+  inPlace.role = OperandSpec::Role::kInPlace;
   expectBlocksEqualModel(
-      "zoriDCTQuantInv8x8_JPEG_16s_C1I", {inPlaceArray<int16_t>(64), sourceArray<uint16_t>(64)},
+      "zoriDCTQuantInv8x8_JPEG_16s_C1I", {inPlace, steps()},
       [](const Operands& o) {
         EXPECT_EQ(zoriDCTQuantInv8x8_JPEG_16s_C1I(o.at<int16_t>(0), o.at<uint16_t>(1)), StatusOk);
       },
-      [](const Operands& o) {
-        storeArray(o, 0,
-                   reference::inverseFixed(reference::dequantised(loadArray<Block>(o, 0), loadArray<Steps>(o, 1))));
-      });
+      [&](const Operands& o) { model(o.at<int16_t>(0), o.at<int16_t>(0), o.at<uint16_t>(1)); });
 }
 
-TEST(DctInverse, FloatEqualsModel) {
-  expectBlocksEqualModel(
-      "zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R",
-      {sourceArray<int16_t>(64), destinationImage<uint16_t>(8, 8),
-       filledWith<float>(sourceArray<float>(64), fillMultipliers)},
-      [](const Operands& o) {
-        EXPECT_EQ(zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(o.at<int16_t>(0), o.at<uint16_t>(1), o.step(1), o.at<float>(2)),
-                  StatusOk);
-      },
-      [](const Operands& o) {
-        const auto coefficients = loadArray<Block>(o, 0);
-        const auto table = loadArray<std::array<float, 64>>(o, 2);
-        float block[64];
-        for (size_t i = 0; i < 64; ++i) block[i] = static_cast<float>(coefficients[i]) * table[i];
-        for (int y = 0; y < 8; ++y) reference::inverseFloat(block + 8 * y, 1);
-        for (int x = 0; x < 8; ++x) reference::inverseFloat(block + x, 8);
-        for (int i = 0; i < 64; ++i) {
-          const float sample = block[i] + 2048.0f;
-          const float clamped = std::isnan(sample) ? 0.0f : std::clamp(sample, 0.0f, 4095.0f);
-          storeSample(o, 1, i % 8, i / 8, static_cast<uint16_t>(clamped));
-        }
-      });
-}
-
-// Coefficients of blocks of samples within +-`limit`, each rounded to a multiple of a random step.
-struct QuantisedBlock {
-  Block coefficients;
-  Steps steps;
-  std::array<double, 64> exact;  // dequantised
-};
-
-QuantisedBlock randomBlock(Random& random, int limit, int round) {
-  std::array<double, 64> samples;
-  const int spread = round % 3 == 0 ? limit : 20;
-  const auto level = static_cast<int>(random.between(-limit + spread, limit - spread));
-  for (double& sample : samples) sample = level + static_cast<double>(random.between(-spread, spread));
-  const auto coefficients = reference::exactForward(samples);
-  QuantisedBlock block;
-  for (size_t i = 0; i < 64; ++i) {
-    block.steps[i] = static_cast<uint16_t>(round % 2 == 0 ? 1 : random.between(1, 12));
-    block.coefficients[i] = static_cast<int16_t>(std::lround(coefficients[i] / block.steps[i]));
-    block.exact[i] = block.coefficients[i] * block.steps[i];
+// A block of rounded coefficients whose samples lie in [low, high], or are one of the two.
+reference::Block coefficientsOfSamples(Random& random, int low, int high, bool extreme) {
+  reference::ExactBlock samples;
+  for (double& s : samples) {
+    s = static_cast<double>(extreme ? (random.oneIn(2) ? low : high) : random.between(low, high));
   }
-  return block;
+  reference::Block result;
+  const reference::ExactBlock exact = reference::exactForward(samples);
+  std::transform(exact.begin(), exact.end(), result.begin(),
+                 [](double f) { return static_cast<int16_t>(std::lround(f)); });
+  return result;
 }
 
-TEST(DctInverse, IsAccurateToOneUnit) {
-  Random random(1);
-  double worst = 0, worstFloat = 0, sum = 0, squares = 0;
-  constexpr int kBlocks = 3000;
-  for (int round = 0; round < kBlocks; ++round) {
-    const QuantisedBlock block = randomBlock(random, 300, round);
-    Block result;
-    ASSERT_EQ(zoriDCTQuantInv8x8_JPEG_16s_C1(block.coefficients.data(), result.data(), block.steps.data()), StatusOk);
-    uint16_t wide[64];
-    float multipliers[64];
-    for (size_t i = 0; i < 64; ++i) multipliers[i] = block.steps[i];
-    ASSERT_EQ(zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(block.coefficients.data(), wide, 16, multipliers), StatusOk);
-    for (int i = 0; i < 64; ++i) {
-      const double exact = reference::exactInverse(block.exact, i % 8, i / 8);
-      ASSERT_LE(std::abs(exact), 361);
-      const double error = result[static_cast<size_t>(i)] - exact;
-      worst = std::max(worst, std::abs(error));
-      // Truncation: the exact value lies less than one above the sample.
-      worstFloat = std::max(worstFloat, std::abs(exact + 2048 - 0.5 - wide[i]));
-      // What rounding the exact value to an integer costs is not the transform's error.
-      const double roundingError = result[static_cast<size_t>(i)] - std::round(exact);
-      sum += roundingError;
-      squares += roundingError * roundingError;
+reference::ExactBlock widened(const reference::Block& block) {
+  reference::ExactBlock result;
+  std::copy(block.begin(), block.end(), result.begin());
+  return result;
+}
+
+// The procedure and limits of IEEE 1180-1990, against the rounded exact inverse.
+TEST(DctInverse, IsAsAccurateAsIeee1180Asks) {
+  std::array<uint16_t, 64> table;
+  table.fill(1);
+  constexpr int kBlocks = 10000;
+  for (const auto& [low, high] : {std::pair{-256, 255}, {-255, 256}, {-5, 5}, {-300, 300}}) {
+    Random random(1);
+    std::array<double, 64> sum{}, squares{};
+    for (int n = 0; n < kBlocks; ++n) {
+      reference::Block block = coefficientsOfSamples(random, low, high, false);
+      const reference::ExactBlock exact = reference::exactInverse(widened(block));
+      ASSERT_EQ(zoriDCTQuantInv8x8_JPEG_16s_C1I(block.data(), table.data()), StatusOk);
+      for (size_t i = 0; i < 64; ++i) {
+        const double error = block[i] - std::round(exact[i]);
+        ASSERT_LE(std::abs(error), 1);
+        sum[i] += error / kBlocks;
+        squares[i] += error * error / kBlocks;
+      }
     }
+    double mean = 0, meanSquare = 0;
+    for (size_t i = 0; i < 64; ++i) {
+      EXPECT_LE(std::abs(sum[i]), 0.015) << "sample " << i;
+      EXPECT_LE(squares[i], 0.06) << "sample " << i;
+      mean += sum[i] / 64;
+      meanSquare += squares[i] / 64;
+    }
+    EXPECT_LE(std::abs(mean), 0.0015) << "samples from " << low << " to " << high;
+    EXPECT_LE(meanSquare, 0.02) << "samples from " << low << " to " << high;
   }
-  EXPECT_LE(worst, 1.0);
-  EXPECT_LE(worstFloat, 0.51);
-  EXPECT_LT(std::abs(sum) / (64.0 * kBlocks), 0.001);
-  EXPECT_LT(squares / (64.0 * kBlocks), 0.02);
 }
 
-TEST(DctInverse, ReducedSizesAreAccurateToOneUnit) {
-  Random random(2);
-  for (int round = 0; round < 3000; ++round) {
-    const QuantisedBlock block = randomBlock(random, 250, round);
-    for (const int size : {2, 4}) {
-      const auto subject =
-          size == 2 ? &zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R : &zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R;
-      uint8_t samples[16];
-      ASSERT_EQ(subject(block.coefficients.data(), samples, size, block.steps.data()), StatusOk);
-      for (int i = 0; i < size * size; ++i) {
-        const double exact = reference::exactInverse(block.exact, i % size, i / size, size);
-        EXPECT_LE(std::abs(samples[i] - std::clamp(exact + 128, 0.0, 255.0)), 1.0);
+TEST(DctInverse, WithinOneOfTheExactInverseInItsRange) {
+  std::array<uint16_t, 64> table;
+  table.fill(1);
+  Random random(3);
+  for (int round = 0; round < 2000; ++round) {
+    const reference::Block narrow = coefficientsOfSamples(random, -360, 360, round % 2 == 0);
+    reference::ExactBlock exact = reference::exactInverse(widened(narrow));
+    reference::Block result = narrow;
+    ASSERT_EQ(zoriDCTQuantInv8x8_JPEG_16s_C1I(result.data(), table.data()), StatusOk);
+    for (size_t i = 0; i < 64; ++i) {
+      if (std::abs(exact[i]) > 361) continue;
+      ASSERT_LE(std::abs(result[i] - exact[i]), 1) << "sample " << i;
+    }
+
+    const reference::Block wide = coefficientsOfSamples(random, -400, 400, round % 2 == 0);
+    for (const SampleFunction& f : {kSampleFunctions[0], kSampleFunctions[4], kSampleFunctions[5]}) {
+      Samples samples;
+      exact = reference::exactInverse(widened(wide), f.size);
+      ASSERT_EQ(f.function(wide.data(), samples.data(), 8, table.data()), StatusOk);
+      for (int i = 0; i < f.size * f.size; ++i) {
+        const int at = 8 * (i / f.size) + i % f.size;
+        ASSERT_LE(std::abs(samples[at] - std::clamp(exact[at] + 128, 0.0, 255.0)), 1) << f.name << ", sample " << at;
       }
     }
   }
 }
 
-TEST(DctInverse, ChecksArgumentsInOrder) {
-  int16_t block[64] = {}, other[64] = {};
-  uint8_t bytes[64] = {};
-  uint16_t table[64] = {}, wide[64] = {};
-  float multipliers[64] = {};
-  const std::vector order = {StatusNullPointer, StatusNullPointer, StatusBadStep, StatusNullPointer};
-  for (const Variant& variant : kVariants) {
-    expectArgumentOrder(
-        variant.name, order,
-        [&](const Faults& f) {
-          return variant.subject(f.pointer(0, block), f.pointer(1, bytes), f.value(2, 8, 0), f.pointer(3, table));
-        },
-        [&] { return std::any_of(bytes, bytes + 64, [](uint8_t b) { return b != 0; }); });
+TEST(DctInverse, FloatBlocksAreTheSameAtEveryLevel) {
+  const auto table = filledWith<float>(sourceArray<uint32_t>(64), [](float* t, size_t count, Random& random, int round) {
+    constexpr float kWild[] = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(), -1e38f,
+                               1e38f};
+    for (size_t i = 0; i < count; ++i) {
+      t[i] = static_cast<float>(random.between(-1000, 1000)) / 8;
+      if (round % 3 == 1 && random.oneIn(16)) t[i] = kWild[random.between(0, 3)];
+    }
+  });
+  const auto call = [](const Operands& o) {
+    EXPECT_EQ(zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(o.at<int16_t>(0), o.at<uint16_t>(1), o.step(1), o.at<float>(2)),
+              StatusOk);
+  };
+  expectBlocksEqualModel("zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R",
+                         {coefficients(), destinationImage<uint16_t>(8, 8), table}, call, [&](const Operands& o) {
+                           setIsa(Isa::kPortable);
+                           call(o);
+                         });
+}
+
+TEST(DctInverse, FloatBlocksTruncateTheExactInverse) {
+  std::array<float, 64> table;
+  std::array<uint16_t, 64> result;
+  Random random(4);
+  for (int round = 0; round < 1000; ++round) {
+    const reference::Block block = coefficientsOfSamples(random, -2100, 2100, round % 4 == 0);
+    reference::ExactBlock exact = widened(block);
+    for (size_t i = 0; i < 64; ++i) {
+      table[i] = static_cast<float>(random.between(8, 12)) / 10;
+      exact[i] *= static_cast<double>(table[i]);
+    }
+    exact = reference::exactInverse(exact);
+    ASSERT_EQ(zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(block.data(), result.data(), 16, table.data()), StatusOk);
+    for (size_t i = 0; i < 64; ++i) {
+      ASSERT_LE(std::abs(result[i] - std::floor(std::clamp(exact[i] + 2048, 0.0, 4095.0))), 1);
+    }
   }
+  table.fill(1);
+  for (int s = -2048; s < 2048; ++s) {
+    const reference::Block flat{static_cast<int16_t>(8 * s)};
+    ASSERT_EQ(zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(flat.data(), result.data(), 16, table.data()), StatusOk);
+    ASSERT_EQ(std::count(result.begin(), result.end(), s + 2048), 64) << "a flat block loses precision";
+  }
+}
+
+TEST(DctInverse, FloatConversionSaturatesBySignAndMakesZeroOfNaN) {
+  const std::array<int16_t, 64> block{1};
+  std::array<uint16_t, 64> result;
+  std::array<float, 64> table{};
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  for (const auto& [factor, expected] : {std::pair{1e30f, 4095}, {-1e30f, 0}, {std::nanf(""), 0}, {kInfinity, 4095}}) {
+    table[0] = factor;
+    forEachIsa([&, f = factor, e = expected](Isa isa) {
+      ASSERT_EQ(zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(block.data(), result.data(), 16, table.data()), StatusOk);
+      EXPECT_EQ(std::count(result.begin(), result.end(), e), 64) << f << " at " << isaName(isa);
+    });
+  }
+}
+
+template <class Sample, class Factor>
+void expectLevelShiftedOrder(const char* what,
+                             StatusCode(ZORJ_CALL* function)(const int16_t*, Sample*, int32_t, const Factor*)) {
+  const std::array<int16_t, 64> source{1};
+  const std::array<Factor, 64> table{1};
+  std::array<Sample, 64> samples{};
   expectArgumentOrder(
-      "zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R", order,
+      what, {StatusNullPointer, StatusNullPointer, StatusBadStep, StatusNullPointer},
       [&](const Faults& f) {
-        return zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(f.pointer(0, block), f.pointer(1, wide), f.value(2, 16, 0),
-                                                    f.pointer(3, multipliers));
+        return function(f.pointer(0, source.data()), f.pointer(1, samples.data()), f.value(2, 8, 0),
+                        f.pointer(3, table.data()));
       },
-      [&] { return std::any_of(wide, wide + 64, [](uint16_t b) { return b != 0; }); });
-  block[0] = 8;  // not what an inverse would leave there
-  const auto written = [&] { return block[0] != 8 || block[1] != 0 || other[0] != 0; };
+      [&] { return std::count(samples.begin(), samples.end(), 0) != 64; });
+}
+
+TEST(DctInverse, ArgumentOrder) {
+  for (const SampleFunction& f : kSampleFunctions) expectLevelShiftedOrder(f.name, f.function);
+  expectLevelShiftedOrder("zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R", &zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R);
+  const std::array<int16_t, 64> source{800};
+  const std::array<uint16_t, 64> table{1};
+  std::array<int16_t, 64> block{};
+  const auto written = [&] { return std::count(block.begin(), block.end(), 0) != 64; };
   expectArgumentOrder(
       "zoriDCTQuantInv8x8_JPEG_16s_C1", {StatusNullPointer, StatusNullPointer, StatusNullPointer},
       [&](const Faults& f) {
-        return zoriDCTQuantInv8x8_JPEG_16s_C1(f.pointer(0, block), f.pointer(1, other), f.pointer(2, table));
+        return zoriDCTQuantInv8x8_JPEG_16s_C1(f.pointer(0, source.data()), f.pointer(1, block.data()),
+                                              f.pointer(2, table.data()));
       },
       written);
   expectArgumentOrder(
       "zoriDCTQuantInv8x8_JPEG_16s_C1I", {StatusNullPointer, StatusNullPointer},
-      [&](const Faults& f) { return zoriDCTQuantInv8x8_JPEG_16s_C1I(f.pointer(0, block), f.pointer(1, table)); },
+      [&](const Faults& f) {
+        return zoriDCTQuantInv8x8_JPEG_16s_C1I(f.pointer(0, block.data()), f.pointer(1, table.data()));
+      },
       written);
 }
 
