@@ -55,16 +55,14 @@ void InverseTransform::planPixelReplication() {
   const int32_t maxVertical = frame_.maxVertical();
   for (size_t c = 0; c < 3; ++c) {
     const Component& component = frame_.components[c];
-    positions_[c].resize(static_cast<size_t>(mcuWidth_) * static_cast<size_t>(mcuHeight_));
-    for (int32_t y = 0; y < mcuHeight_; ++y) {
-      for (int32_t x = 0; x < mcuWidth_; ++x) {
-        const int32_t column = x * component.horizontal / maxHorizontal;
-        const int32_t row = y * component.vertical / maxVertical;
-        const int32_t block = row / 8 * component.horizontal + column / 8;
-        const int32_t tile = y / 8 * maxHorizontal + x / 8;
-        positions_[c][static_cast<size_t>(64 * tile + 8 * (y % 8) + x % 8)] =
-            static_cast<uint16_t>(64 * block + 8 * (row % 8) + column % 8);
-      }
+    for (int32_t i = 0; i < mcuWidth_ * mcuHeight_; ++i) {
+      const int32_t tile = i / 64;
+      const int32_t x = tile % maxHorizontal * 8 + i % 8;
+      const int32_t y = tile / maxHorizontal * 8 + i / 8 % 8;
+      const int32_t column = x * component.horizontal / maxHorizontal;
+      const int32_t row = y * component.vertical / maxVertical;
+      const int32_t block = row / 8 * component.horizontal + column / 8;
+      positions_[c].push_back(static_cast<uint16_t>(block * 64 + row % 8 * 8 + column % 8));
     }
   }
 }
