@@ -19,7 +19,8 @@ LEVELS = ("AVX-512", "AVX2", "SSE4", "SSSE3", "portable")
 def read_rows(path):
     """Row name -> variant name -> list of (time in ns, unit, amount), in the order of registration."""
     rows = {}
-    for run in json.loads(path.read_text())["benchmarks"]:
+    runs = json.loads(path.read_text())["benchmarks"]
+    for run in sorted(runs, key=lambda run: run["family_index"]):
         if run["run_type"] != "iteration" or run.get("error_occurred"):
             continue
         row, variant = run["run_name"].rsplit("/", 1)
@@ -115,7 +116,7 @@ def main():
     topics = {pathlib.Path(r).name: read_rows(pathlib.Path(r + ".json")) for r in arguments.results}
     print(f"\n{machine_text()}\nMedians of paired runs.\n{table(topics)}")
     picture = chart(topics)
-    directory = pathlib.Path(arguments.publish or "build/bench")
+    directory = pathlib.Path(arguments.publish or pathlib.Path(arguments.results[0]).parent)
     if picture:
         (directory / "performance.svg").write_text(picture + "\n")
     if arguments.publish:

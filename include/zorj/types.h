@@ -81,16 +81,16 @@ typedef enum StatusCode {
 
 /** Width and height of a region in pixels; passed by value. */
 typedef struct RoiSize {
-  int32_t width;
-  int32_t height;
+  int32_t width;  /**< Pixels in a row. */
+  int32_t height; /**< Rows. */
 } RoiSize;
 
 /** The version record of the library. The strings are constant: do not change or free them. */
 typedef struct LibraryVersion {
-  int32_t major;
-  int32_t minor;
-  int32_t majorBuild;
-  int32_t build;
+  int32_t major;         /**< First part of the version. */
+  int32_t minor;         /**< Second part of the version. */
+  int32_t majorBuild;    /**< Build of the release. */
+  int32_t build;         /**< Running number of the build. */
   char targetCpu[4];     /**< Code of the processor family, padded with zero bytes. */
   const char* name;      /**< File name of the library. */
   const char* version;   /**< Version as text. */

@@ -3,9 +3,7 @@
 
 #include <zorcore.h>
 
-#include <cstddef>
 #include <cstdint>
-#include <type_traits>
 
 #include "zorj/types.h"
 
@@ -13,12 +11,6 @@ namespace zorj {
 
 // Images of up to this many pixels run in the calling thread: a team costs more than it saves.
 inline constexpr int64_t kSerialPixelLimit = 8192;
-
-template <class T>
-T* rowAt(T* base, int32_t step, int32_t y) {
-  using Byte = std::conditional_t<std::is_const_v<T>, const unsigned char, unsigned char>;
-  return reinterpret_cast<T*>(reinterpret_cast<Byte*>(base) + static_cast<ptrdiff_t>(y) * step);
-}
 
 // Calls row(y) for every row of an image of `size`, in contiguous bands of rows on a team of threads if it is
 // large. `row` may not fail.

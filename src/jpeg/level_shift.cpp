@@ -1,4 +1,5 @@
 #include "core/checks.h"
+#include "core/row_address.h"
 #include "core/row_parallel.h"
 #include "jpeg/level_shift_kernels.h"
 #include "zorj/jpeg_dct.h"

@@ -2,11 +2,11 @@
 #include <zorj.h>
 
 #include <algorithm>
-#include <cstring>
 
 #include "reference/level_shift.h"
 #include "support/arguments.h"
 #include "support/rows.h"
+#include "support/samples.h"
 
 namespace zorj::test {
 namespace {
@@ -16,10 +16,7 @@ template <class Source, class Destination>
 void mapSamples(const Operands& o, RoiSize size, Destination (*model)(Source)) {
   for (int y = 0; y < size.height; ++y) {
     for (int x = 0; x < size.width; ++x) {
-      Source sample;
-      std::memcpy(&sample, o.at<uint8_t>(0) + ptrdiff_t{y} * o.step(0) + x * sizeof(Source), sizeof sample);
-      const Destination result = model(sample);
-      std::memcpy(o.at<uint8_t>(1) + ptrdiff_t{y} * o.step(1) + x * sizeof(Destination), &result, sizeof result);
+      storeSample(o, 1, x, y, model(sampleAt<Source>(o, 0, x, y)));
     }
   }
 }

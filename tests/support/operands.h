@@ -28,7 +28,7 @@ template <class T>
 OperandSpec operandSpec(OperandSpec::Role role, int width, int height, bool stepped) {
   const auto fill = [width](uint8_t* row, Random& random, int round) {
     std::vector<T> samples(static_cast<size_t>(width));
-    fillSamples(samples.data(), samples.size(), random, round);
+    if constexpr (std::is_integral_v<T>) fillSamples(samples.data(), samples.size(), random, round);
     std::memcpy(row, samples.data(), samples.size() * sizeof(T));
   };
   return {role, sizeof(T), width, height, stepped, fill};

@@ -9,6 +9,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/** Visibility of every function. Define ZORCORE_STATIC to link the objects without the shared library. */
 #if defined(_WIN32) && defined(ZORCORE_BUILDING)
 #define ZORCORE_API __declspec(dllexport)
 #elif defined(_WIN32) && !defined(ZORCORE_STATIC)
@@ -44,11 +45,11 @@ ZORCORE_API int ownGetNumThreads(void);
 /** Sets the number of threads for the whole process; below 1 returns to the default. */
 ZORCORE_API void zorSetNumThreads(int threads);
 
-/** Where zorMalloc and zorFree go. `allocate` returns memory aligned to at least `alignment`, or null. */
+/** Where zorMalloc and zorFree go. */
 typedef struct ZorAllocator {
-  void* (*allocate)(size_t bytes, size_t alignment, void* context);
-  void (*release)(void* memory, void* context);
-  void* context;
+  void* (*allocate)(size_t bytes, size_t alignment, void* context); /**< Returns memory so aligned, or null. */
+  void (*release)(void* memory, void* context);                     /**< Takes it back; never null. */
+  void* context;                                                    /**< Handed to both. */
 } ZorAllocator;
 
 /**

@@ -1,0 +1,49 @@
+// A baseline JPEG codec in memory.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "common/image.h"
+#include "jpeg/coefficients.h"
+
+namespace examples::jpeg {
+
+// How many pixels share a chroma sample: one, a horizontal pair, a 2 x 2 square.
+enum class Sampling { s444, s422, s411 };
+
+struct EncodeOptions {
+  int32_t quality = 90;  // 1 to 100
+  Sampling sampling = Sampling::s444;
+  int32_t restartInterval = 0;  // in MCUs, 0 to 65535; 0 for none
+};
+
+// Writes a JFIF file to `jpeg`, whose memory is used again. A grey image makes a file of one component, whatever the
+// sampling. Throws Error if an option or the image's size is outside what the format allows.
+void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_t>& jpeg);
+
+// The coefficients that encode() codes.
+CoefficientImage transform(const Image& image, const EncodeOptions& options);
+
+struct DecodeReport {
+  std::string problem;  // in one line; empty if nothing is missing
+
+  bool complete() const { return problem.empty(); }
+};
+
+// Decode a file; the image's memory is used again. Damaged or truncated data is decoded as far as it goes: what is
+// missing is grey, and the report says so. Throw Error if the file is not one that is supported.
+DecodeReport decode(std::span<const uint8_t> jpeg, Image& image);
+DecodeReport decodeCoefficients(std::span<const uint8_t> jpeg, CoefficientImage& coefficients);
+
+// A component's samples as decoded, before up-sampling and colour conversion, in whole blocks.
+struct ComponentSamples {
+  int32_t width = 0;
+  int32_t height = 0;
+  std::vector<uint8_t> samples;
+};
+std::vector<ComponentSamples> inverseTransform(CoefficientImage& coefficients);
+
+}  // namespace examples::jpeg

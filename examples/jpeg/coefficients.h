@@ -1,0 +1,71 @@
+// Quantised coefficients of a frame, or of a part of it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "jpeg/frame.h"
+
+namespace examples::jpeg {
+
+// 64 coefficients, or samples, in natural order.
+struct alignas(64) Block {
+  int16_t values[64];
+};
+
+constexpr size_t kMaxComponents = 4;
+
+// Some of a component's blocks in raster order, seen from the first of them.
+struct Blocks {
+  Block* first = nullptr;
+  int32_t perRow = 0;
+
+  Block& at(int32_t column, int32_t row) const { return first[ptrdiff_t{row} * perRow + column]; }
+};
+
+// The blocks of a rectangle of whole MCUs, all zero at first.
+class McuArray {
+ public:
+  McuArray() = default;
+  McuArray(const Frame& frame, int32_t mcusWide, int32_t mcusHigh);
+
+  // A component's blocks from the given MCU on.
+  Blocks blocks(size_t component, int32_t mcuColumn, int32_t mcuRow);
+
+ private:
+  struct Plane {
+    int32_t horizontal;
+    int32_t vertical;
+    int32_t blocksPerRow;
+    std::vector<Block> blocks;
+  };
+  std::vector<Plane> planes_;
+};
+
+// Step sizes in natural order.
+using QuantTable = std::array<uint16_t, 64>;
+
+// All coefficients of an image.
+struct CoefficientImage {
+  Frame frame;
+  std::array<QuantTable, kMaxComponents> quantTables{};  // by component
+  McuArray mcus;
+};
+
+// One of the blocks that successive MCUs of a scan consist of, in the order they are coded.
+struct McuBlock {
+  Block* first;       // the first MCU's
+  ptrdiff_t advance;  // to the next MCU's
+  size_t component;   // in the scan
+
+  int16_t* ofMcu(int32_t mcu) const { return first[mcu * advance].values; }
+};
+
+// The blocks of an interleaved scan of these components, from the given MCU on.
+std::vector<McuBlock> interleavedMcu(const Frame& frame, std::span<const size_t> components, McuArray& mcus,
+                                     int32_t mcuColumn, int32_t mcuRow);
+
+}  // namespace examples::jpeg

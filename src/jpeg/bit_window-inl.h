@@ -1,0 +1,211 @@
+// The 64-bit window through which the fast decoders read. Included by their kernel files, once per target, inside the
+// target's namespace.
+
+// Reads like BitReader and leaves the same position and state behind, though it reads further ahead: it keeps count of
+// how much further.
+class BitWindow {
+ public:
+  // No marker may be pending.
+  BitWindow(const uint8_t* source, int32_t length, int32_t position, const HuffmanDecodeState& state)
+      : next_(source + position),
+        end_(source + length),
+        safe_(findSafe(next_, end_)),
+        bits_((uint64_t{state.bitBuffer} << 32) << (32 - state.bitCount)),
+        count_(state.bitCount) {}
+
+  // Fills the window with at least kFilled bits. False when a marker, a fill byte or the end of the source comes first.
+  static constexpr int32_t kFilled = 47;
+  HWY_INLINE bool refill() {
+    if (next_ > safe_) [[unlikely]] {
+      safe_ = findSafe(next_, end_);
+      if (next_ > safe_) {
+        const Filled filled = fillByBytes(next_, end_, bits_, count_);
+        next_ = filled.next;
+        bits_ = filled.bits;
+        ahead_ += filled.count - count_;
+        count_ = filled.count;
+        return count_ >= kFilled;
+      }
+    }
+    // Of the last byte only a part may fit: it is read again next time.
+    bits_ |= loadBigEndian64(next_) >> count_;
+    const ptrdiff_t bytes = (count_ ^ 63) >> 3;
+    next_ += bytes;
+    count_ += 8 * bytes;
+    ahead_ += 8 * bytes;
+    return true;
+  }
+
+  // The symbol whose code comes next.
+  struct Code {
+    uint32_t symbol;
+    uint32_t length;  // 0: none of the lengths looked for
+  };
+  // Of up to 8 bits; `lookup` is the table's fastLookup.
+  HWY_INLINE Code peekShort(const TableEntry* lookup) const {
+    const auto entry = std::bit_cast<uint32_t>(lookup[bits_ >> 56]);
+    return {entry & 0xFF, entry >> 16};
+  }
+  // Of 9 to 16 bits.
+  HWY_INLINE Code peekLong(const HuffmanDecodeSpec& spec) const {
+    return findLongCode(spec, static_cast<uint32_t>(bits_ >> 48));
+  }
+
+  HWY_INLINE void consumeShort(Code code) {
+    topUpTo(kFastBits);
+    consume(code.length);
+  }
+  HWY_INLINE void consumeLong(Code code) {
+    topUpTo(kFastBits);
+    topUpTo(kFastBits + 1);
+    // Bit by bit: the buffer is filled again when it is empty.
+    if (count_ - ahead_ < static_cast<ptrdiff_t>(code.length)) ahead_ -= 32;
+    consume(code.length);
+  }
+  // Of any length; consumes it if there is such a code.
+  HWY_INLINE Code takeCode(const HuffmanDecodeSpec& spec) {
+    Code code = peekShort(spec.fastLookup);
+    if (code.length != 0) [[likely]] {
+      consumeShort(code);
+    } else {
+      code = peekLong(spec);
+      if (code.length != 0) consumeLong(code);
+    }
+    return code;
+  }
+  // The value of category `size`, 1 to 15, from its extra bits.
+  HWY_INLINE int32_t takeExtraBits(uint32_t size) {
+    const auto bits = static_cast<uint32_t>(bits_ >> (64 - size));
+    // Signs cannot be predicted: a mask instead of a branch.
+    const auto negative = static_cast<uint32_t>(static_cast<int64_t>(~bits_) >> 63);
+    topUpTo(static_cast<ptrdiff_t>(size));
+    consume(size);
+    return static_cast<int32_t>(bits - (negative & ((1u << size) - 1)));
+  }
+
+  // Leaves behind what BitReader would. False if that takes bytes which are not there.
+  HWY_INLINE bool commit(const uint8_t* source, int32_t& position, HuffmanDecodeState& state) {
+    if (!refill() && ahead_ < 0) [[unlikely]]
+      return false;
+    const uint8_t* next = next_ - (ahead_ >> 3);
+    const uint64_t bytesAhead = bits_ >> 1 >> (63 - count_) & ((uint64_t{1} << ahead_) - 1);
+    if (hasByteFF(bytesAhead)) [[unlikely]]
+      next -= countBytesFF(bytesAhead);
+    const uint8_t* start = source + position;
+    state.bitBuffer = appendBytes(state.bitBuffer, source, start, next);
+    state.reserved = next == start ? state.reserved : 0;
+    state.bitCount = static_cast<int32_t>(count_ - ahead_);
+    position = static_cast<int32_t>(next - source);
+    return true;
+  }
+
+ private:
+  HWY_INLINE void consume(uint32_t count) {
+    bits_ <<= count;
+    count_ -= static_cast<ptrdiff_t>(count);
+  }
+
+  // BitReader fills its buffer to 25 to 32 bits where it holds fewer than it needs.
+  HWY_INLINE void topUpTo(ptrdiff_t needed) {
+    const ptrdiff_t aheadOfFilled = (count_ - 25) & ~7;
+    ahead_ = ahead_ > count_ - needed ? aheadOfFilled : ahead_;
+  }
+
+  // The last place before the next 0xFF or the end from which eight bytes can be read; before `next` if there is none.
+  static HWY_INLINE const uint8_t* findSafe(const uint8_t* next, const uint8_t* end) {
+    const ptrdiff_t left = end - next;
+#if ZORJ_SIMD
+    const hn::ScalableTag<uint8_t> d;
+    constexpr ptrdiff_t kLanes = HWY_LANES(uint8_t);
+    if (left >= kLanes) [[likely]] {
+      uint8_t found[8] = {};
+      hn::StoreMaskBits(d, hn::Eq(hn::LoadU(d, next), hn::Set(d, 0xFF)), found);
+      const uint64_t bits =
+          loadUnaligned(reinterpret_cast<const uint64_t*>(found)) | (kLanes < 64 ? uint64_t{1} << (kLanes % 64) : 0);
+      return next + std::countr_zero(bits) - 8;
+    }
+#endif
+    return left >= 8 && !hasByteFF(loadBigEndian64(next)) ? next : next - 1;
+  }
+
+  // By value, so that the window itself stays in registers.
+  struct Filled {
+    const uint8_t* next;
+    uint64_t bits;
+    ptrdiff_t count;
+  };
+  static HWY_NOINLINE Filled fillByBytes(const uint8_t* next, const uint8_t* end, uint64_t bits, ptrdiff_t count) {
+    while (count < 56 && next < end) {
+      const uint8_t byte = *next;
+      if (byte == 0xFF) {
+        if (end - next < 2 || next[1] != 0) break;
+        ++next;
+      }
+      ++next;
+      bits |= uint64_t{byte} << (56 - count);
+      count += 8;
+    }
+    return {next, bits, count};
+  }
+
+  static HWY_NOINLINE ptrdiff_t countBytesFF(uint64_t word) {
+    ptrdiff_t count = 0;
+    for (; word != 0; word >>= 8) count += (word & 0xFF) == 0xFF;
+    return count;
+  }
+
+  // What a buffer of 32 bits holds after the data bytes from `start` to `next` as well.
+  static HWY_INLINE uint32_t appendBytes(uint32_t buffer, const uint8_t* source, const uint8_t* start,
+                                         const uint8_t* next) {
+    if (next - source >= 8) [[likely]] {
+      const uint64_t word = loadBigEndian64(next - 8);
+      if (!hasByteFF(word)) [[likely]] {
+        const ptrdiff_t bits = 8 * HWY_MIN(next - start, ptrdiff_t{4});
+        return static_cast<uint32_t>(uint64_t{buffer} << bits | (word & ((uint64_t{1} << bits) - 1)));
+      }
+    }
+    return appendBytesOneByOne(buffer, start, next);
+  }
+  static HWY_NOINLINE uint32_t appendBytesOneByOne(uint32_t buffer, const uint8_t* start, const uint8_t* next) {
+    for (; start < next; ++start) {
+      buffer = buffer << 8 | *start;
+      if (*start == 0xFF) ++start;
+    }
+    return buffer;
+  }
+
+  static HWY_NOINLINE Code findLongCode(const HuffmanDecodeSpec& spec, uint32_t bits) {
+    uint32_t length = 0;
+#if ZORJ_SIMD
+    // The first 9 to 16 bits at once.
+    const hn::Full128<uint16_t> d;
+    alignas(16) static constexpr uint16_t kShifts[8] = {1 << 9,  1 << 10, 1 << 11, 1 << 12,
+                                                        1 << 13, 1 << 14, 1 << 15, 0};
+    alignas(16) static constexpr uint16_t kAllBits[8] = {0, 0, 0, 0, 0, 0, 0, 0xFFFF};
+    const auto word = hn::Set(d, static_cast<uint16_t>(bits));
+    const auto codes = hn::Or(hn::MulHigh(word, hn::Load(d, kShifts)), hn::And(word, hn::Load(d, kAllBits)));
+    const auto largest = hn::LoadU(d, spec.maxCode + 9);
+    const auto none = hn::Eq(largest, hn::Set(d, kNoCode));
+    const intptr_t found = hn::FindFirstTrue(d, hn::AndNot(none, hn::Eq(hn::Min(codes, largest), codes)));
+    if (found < 0) return {};
+    length = 9 + static_cast<uint32_t>(found);
+#else
+    uint32_t found = 0;
+    for (int i = 9; i <= kMaxCodeLength; ++i) {
+      const bool valid = spec.maxCode[i] != kNoCode && bits >> (16 - i) <= spec.maxCode[i];
+      found |= uint32_t{valid} << i;
+    }
+    if (found == 0) return {};
+    length = static_cast<uint32_t>(std::countr_zero(found));
+#endif
+    const uint32_t index = spec.symbolIndex[length] + (bits >> (16 - length)) - spec.minCode[length];
+    return {spec.symbols[index & 0xFF], length};
+  }
+
+  const uint8_t* next_;
+  const uint8_t* end_;
+  const uint8_t* safe_;  // up to here, eight bytes can be read at once
+  uint64_t bits_;        // left-aligned; what lies beyond count_ is the beginning of the next byte, or 0
+  ptrdiff_t count_;
+  ptrdiff_t ahead_ = 0;  // bits of the window that BitReader would not have read yet; negative: it would have read more
+};

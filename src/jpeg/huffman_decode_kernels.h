@@ -1,0 +1,28 @@
+// The fast paths of the Huffman decoders. They leave behind exactly what the careful path does (bit_reader.h).
+#pragma once
+
+#include "jpeg/huffman_spec.h"
+#include "jpeg/huffman_state.h"
+
+namespace zorj {
+
+struct HuffmanDecodeKernels {
+  // Decodes a baseline block without a fault. Otherwise, or near a marker or the end of the source, it declines: false,
+  // with only the block changed.
+  bool (*block)(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state, int16_t* block,
+                int16_t& lastDc, const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec);
+  // Decodes differences of the lossless process, components in turn, `count` at the most. Returns how many it did.
+  int64_t (*differences)(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state,
+                         int16_t* const rows[], int64_t count, int32_t components,
+                         const HuffmanDecodeSpec* const specs[]);
+};
+
+const HuffmanDecodeKernels& huffmanDecodeKernels();
+
+// Whether the fast paths can start: no marker is pending and a few bytes are left.
+inline bool canDecodeFast(int32_t length, int32_t position, int32_t marker) {
+  constexpr int32_t kLeastBytes = 8;
+  return marker == 0 && length - kLeastBytes >= position;
+}
+
+}  // namespace zorj

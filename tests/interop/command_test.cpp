@@ -1,0 +1,131 @@
+// The program zorjpeg: exit codes, messages of one line, and no half-written files.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include "common/files.h"
+#include "common/image_file.h"
+#include "interop/pictures.h"
+
+namespace interop {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Command : public testing::Test {
+ protected:
+  void SetUp() override {
+    directory_ = fs::path(testing::TempDir()) /
+                 ("zorjpeg_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+    fs::remove_all(directory_);
+    fs::create_directories(directory_);
+    examples::writeImage(path("in.png"), picture(70, 50, 3));
+    examples::writeImage(path("grey.pgm"), picture(70, 50, 1));
+  }
+  void TearDown() override { fs::remove_all(directory_); }
+
+  std::string path(const std::string& name) const { return (directory_ / name).string(); }
+
+  int run(const std::string& arguments) {
+    const std::string line = "cd '" + directory_.string() + "' && " ZORJPEG_PROGRAM " " + arguments + " >out 2>err";
+    const int status = std::system(line.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  std::string message() const {
+    const std::vector<uint8_t> bytes = examples::readFile(path("err"));
+    return {bytes.begin(), bytes.end()};
+  }
+
+  void write(const std::string& name, std::span<const uint8_t> bytes) {
+    examples::OutputFile file(path(name));
+    file.write(bytes);
+    file.commit();
+  }
+
+  // Fails with this exit code, one line that says this, and no file but those there before.
+  void expectFailure(const std::string& arguments, int code, const std::string& says) {
+    const auto files = [&] { return std::distance(fs::directory_iterator(directory_), fs::directory_iterator()); };
+    run("--help");
+    const auto before = files();
+    EXPECT_EQ(run(arguments), code) << arguments;
+    const std::string text = message();
+    EXPECT_NE(text.find(says), std::string::npos) << arguments << ": " << text;
+    EXPECT_EQ(text.rfind("zorjpeg: ", 0), 0u) << text;
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
+    EXPECT_EQ(files(), before) << arguments;
+  }
+
+  fs::path directory_;
+};
+
+TEST_F(Command, EncodesAndDecodes) {
+  for (const char* sampling : {"444", "422", "411"}) {
+    ASSERT_EQ(run(std::string("encode in.png a.jpg --quality 95 --restart 3 --sampling ") + sampling), 0) << message();
+    for (const char* name : {"b.png", "b.ppm"}) {
+      ASSERT_EQ(run(std::string("decode a.jpg ") + name), 0) << message();
+      EXPECT_GT(psnr(examples::readImage(path(name)), picture(70, 50, 3)), 20);
+    }
+  }
+  ASSERT_EQ(run("encode grey.pgm a.jpg"), 0) << message();
+  for (const char* name : {"b.png", "b.pgm"}) {
+    ASSERT_EQ(run(std::string("decode a.jpg ") + name), 0) << message();
+    EXPECT_GT(psnr(examples::readImage(path(name)), picture(70, 50, 1)), 30);
+  }
+  ASSERT_EQ(run("decode a.jpg b.ppm"), 0);
+  EXPECT_EQ(examples::readImage(path("b.ppm")).channels, 3);
+}
+
+TEST_F(Command, RefusesBadCommandLines) {
+  for (const char* arguments :
+       {"", "encode", "encode in.png", "transmogrify in.png a.jpg", "encode in.png a.jpg --quality 0",
+        "encode in.png a.jpg --quality 101", "encode in.png a.jpg --quality good", "encode in.png a.jpg --sampling 410",
+        "encode in.png a.jpg --sampling 1", "encode in.png a.jpg --restart -1", "encode in.png a.jpg --fast",
+        "decode a.jpg b.png c.png"}) {
+    expectFailure(arguments, 2, "");
+  }
+  EXPECT_EQ(run("encode --help"), 0);
+  EXPECT_EQ(message(), "");
+}
+
+TEST_F(Command, RefusesBadFiles) {
+  ASSERT_EQ(run("encode in.png good.jpg"), 0);
+  const std::vector<uint8_t> good = examples::readFile(path("good.jpg"));
+  write("empty", {});
+  write("headers.jpg", std::span(good).first(100));
+  expectFailure("encode missing.png a.jpg", 1, "missing.png: No such file");
+  expectFailure("encode empty a.jpg", 1, "neither a PNG");
+  expectFailure("encode good.jpg a.jpg", 1, "neither a PNG");
+  expectFailure("encode in.png no/such/a.jpg", 1, "cannot be written");
+  expectFailure("decode in.png b.png", 1, "in.png: not a JPEG file");
+  expectFailure("decode empty b.png", 1, "empty: not a JPEG file");
+  expectFailure("decode headers.jpg b.png", 1, "headers.jpg: the file ends");
+  expectFailure("decode good.jpg b.tiff", 1, "b.tiff");
+  expectFailure("decode good.jpg b.pgm", 1, "does not fit");
+  expectFailure("decode good.jpg no/such/b.png", 1, "cannot be written");
+}
+
+TEST_F(Command, SaysWhatIsMissing) {
+  ASSERT_EQ(run("encode in.png good.jpg"), 0);
+  const std::vector<uint8_t> good = examples::readFile(path("good.jpg"));
+  write("half.jpg", std::span(good).first(good.size() - 1000));
+  EXPECT_EQ(run("decode half.jpg b.png"), 3);
+  EXPECT_EQ(message().rfind("zorjpeg: half.jpg: the file ends before its end-of-image marker: about ", 0), 0u)
+      << message();
+  EXPECT_EQ(examples::readImage(path("b.png")).height, 50);
+}
+
+TEST_F(Command, ReplacesFilesAndWritesToDevices) {
+  write("old.jpg", std::vector<uint8_t>(10));
+  fs::create_symlink("old.jpg", directory_ / "link.jpg");
+  EXPECT_EQ(run("encode in.png link.jpg"), 0);
+  EXPECT_TRUE(fs::is_symlink(directory_ / "link.jpg"));
+  EXPECT_GT(fs::file_size(directory_ / "old.jpg"), 1000u);
+  EXPECT_EQ(run("encode in.png /dev/null"), 0);
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+}  // namespace
+}  // namespace interop

@@ -1,0 +1,379 @@
+#include <gtest/gtest.h>
+#include <zorj.h>
+
+#include "jpeg/huffman_spec.h"
+#include "jpeg/huffman_state.h"
+#include "support/arguments.h"
+#include "support/coders.h"
+#include "support/huffman_data.h"
+
+namespace zorj::test {
+namespace {
+
+struct Table {
+  HuffmanLists lists;
+  HuffmanDecodeSpec spec;
+  reference::HuffmanDecoder model;
+  reference::HuffmanEncoder encoder;
+  explicit Table(const HuffmanLists& from) : lists(from), model(from), encoder(from) {
+    EXPECT_EQ(zoriDecodeHuffmanSpecInit_JPEG_8u(lists.bits.data(), lists.values.data(), &spec), StatusOk);
+  }
+};
+
+// A stream: what `write` puts, padded with ones, then a marker and some bytes that are not to be read.
+template <class Write>
+Bytes streamOf(const Write& write) {
+  Bytes bytes(1 << 16);
+  reference::HuffmanWriter writer(bytes.data(), static_cast<int>(bytes.size()));
+  write(writer);
+  writer.flush();
+  bytes.resize(static_cast<size_t>(writer.position));
+  bytes.insert(bytes.end(), {0xFF, 0xD9, 0x12, 0x34});
+  return bytes;
+}
+
+// What a series of calls works with. After a marker the series goes on with what follows it, as a caller does at a
+// restart marker.
+struct SubjectReader {
+  int32_t position = 0;
+  int32_t marker = 0;
+  int16_t lastDc = 0;
+  HuffmanDecodeState state;
+
+  SubjectReader() { restart(); }
+  void restart() {
+    std::memset(static_cast<void*>(&state), 0xA5, sizeof state);
+    zoriDecodeHuffmanStateInit_JPEG_8u(&state);
+    state.lastPosition = 77;
+    marker = 0;
+  }
+  void note(Trace& trace, StatusCode status) const {
+    trace.insert(trace.end(), {status, position, marker, lastDc, state.bitBuffer, state.reserved, state.bitCount,
+                               state.eobRun, state.lastPosition, state.unused});
+  }
+};
+struct ModelReader {
+  reference::HuffmanReader bits;
+  int lastPosition = 77;
+  int16_t lastDc = 0;
+
+  ModelReader(const uint8_t* source, int32_t length) : bits(source, length) {}
+  void restart(const uint8_t* source, int32_t length) {
+    const int position = bits.position;
+    bits = reference::HuffmanReader(source, length);
+    bits.position = position;
+    lastPosition = 77;
+  }
+  void note(Trace& trace, StatusCode status) const {
+    trace.insert(trace.end(), {status, bits.position, bits.marker, lastDc, bits.buffer(), 0, bits.held(), 0,
+                               lastPosition, 0xA5A5A5A5});
+  }
+};
+
+struct DecoderCalls {
+  ReadCalls subject;
+  ReadCalls model;
+};
+
+// Up to `count` calls; the first failure at which no marker is pending ends them.
+template <class Subject, class Model>
+DecoderCalls statefulCalls(int count, const Subject& subject, const Model& model) {
+  return {[=](const uint8_t* source, int32_t length) {
+            Trace trace;
+            SubjectReader reader;
+            for (int i = 0; i < count; ++i) {
+              const StatusCode status = subject(source, length, reader, trace);
+              reader.note(trace, status);
+              if (status != StatusOk && reader.marker == 0) break;
+              if (status != StatusOk) reader.restart();
+            }
+            return trace;
+          },
+          [=](const uint8_t* source, int32_t length) {
+            Trace trace;
+            ModelReader reader(source, length);
+            for (int i = 0; i < count; ++i) {
+              const StatusCode status = model(reader, trace);
+              reader.note(trace, status);
+              if (status != StatusOk && reader.bits.marker == 0) break;
+              if (status != StatusOk) reader.restart(source, length);
+            }
+            return trace;
+          }};
+}
+
+DecoderCalls blockCalls(int count, const Table& dc, const Table& ac) {
+  return statefulCalls(
+      count,
+      [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
+        Block block;
+        block.fill(0x5A5A);
+        const StatusCode status =
+            zoriDecodeHuffman8x8_JPEG_1u16s_C1(source, length, &reader.position, block.data(), &reader.lastDc,
+                                               &reader.marker, &dc.spec, &ac.spec, &reader.state);
+        trace.insert(trace.end(), block.begin(), block.end());
+        return status;
+      },
+      [&](ModelReader& reader, Trace& trace) {
+        reference::DecodedBlock block;
+        const StatusCode status = reference::decodeBlock(reader.bits, block, reader.lastDc, dc.model, ac.model);
+        reader.lastPosition = block.lastPosition.value_or(reader.lastPosition);
+        trace.insert(trace.end(), block.coefficients, block.coefficients + 64);
+        return status;
+      });
+}
+
+struct Tables {
+  Table dc;
+  Table ac;
+};
+Tables anyTables(Random& random, int round) {
+  if (round % 3 == 0) return {Table(typicalDcLists()), Table(typicalAcLists())};
+  return {Table(randomLists(random, firstSymbols(17))), Table(randomLists(random, firstSymbols(256)))};
+}
+
+Bytes streamOfBlocks(Random& random, int count, const Tables& tables, bool photographic) {
+  return streamOf([&](reference::HuffmanWriter& writer) {
+    int16_t lastDc = 0;
+    for (int i = 0; i < count; ++i) {
+      const Block block = photographic ? photographicBlock(random, 6) : anyBlock(random);
+      reference::encodeBlock(writer, block.data(), lastDc, tables.dc.encoder, tables.ac.encoder);
+    }
+  });
+}
+
+TEST(HuffmanDecoder, BlocksEqualModel) {
+  Random random(1);
+  for (int round = 0; round < 60; ++round) {
+    const Tables tables = anyTables(random, round);
+    const int count = static_cast<int>(random.between(1, 12));
+    const Bytes stream = streamOfBlocks(random, count, tables, round % 3 == 0);
+    const DecoderCalls calls = blockCalls(count + 2, tables.dc, tables.ac);
+    expectReadsEqualModelOnVariants("blocks, round " + std::to_string(round), stream, calls.subject, calls.model,
+                                    round < 6 ? 150 : 20, 40);
+  }
+}
+
+// Random bytes: every failure there is, at every place.
+TEST(HuffmanDecoder, NoiseEqualsModel) {
+  Random random(2);
+  for (int round = 0; round < 300; ++round) {
+    const Tables tables = anyTables(random, round);
+    Bytes noise(static_cast<size_t>(random.between(0, 400)));
+    for (uint8_t& byte : noise) {
+      byte = static_cast<uint8_t>(random.oneIn(round % 4 == 0 ? 2 : 30) ? 0xFF * random.between(0, 1) : random.next());
+    }
+    const DecoderCalls calls = blockCalls(40, tables.dc, tables.ac);
+    expectReadsEqualModel("noise, round " + std::to_string(round), noise, calls.subject, calls.model);
+  }
+}
+
+TEST(HuffmanDecoder, ReportsMarkersAndFillBytes) {
+  const Tables tables = {Table(typicalDcLists()), Table(typicalAcLists())};
+  const DecoderCalls calls = blockCalls(3, tables.dc, tables.ac);
+  const std::vector<Bytes> streams = {{},
+                                      {0xFF},
+                                      {0xFF, 0xFF},
+                                      {0xFF, 0xD0},
+                                      {0xFF, 0xFF, 0xFF, 0x00},
+                                      {0x28, 0xFF, 0xD0},
+                                      {0x28, 0xA2, 0x8A, 0x28, 0xFF, 0xD0, 0x28, 0xA2},
+                                      {0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x00}};
+  for (const Bytes& stream : streams) expectReadsEqualModel("marker", stream, calls.subject, calls.model);
+  const Trace marker = calls.subject(streams[3].data(), 2);
+  EXPECT_EQ(marker[64], StatusHuffmanDataError);
+  EXPECT_EQ(marker[65], 2) << "position";
+  EXPECT_EQ(marker[66], 0xD0) << "marker";
+}
+
+TEST(HuffmanDecoder, DirectBlocksEqualModel) {
+  Random random(3);
+  for (int round = 0; round < 200; ++round) {
+    const Tables tables = anyTables(random, round);
+    const int count = static_cast<int>(random.between(1, 8));
+    const int32_t skipped = static_cast<int32_t>(random.between(0, 20));  // bits before the stream
+    const auto prefetched = static_cast<int32_t>(random.between(0, 32));
+    const auto prefetchedBits = static_cast<uint32_t>(random.next());
+    Bytes stream = streamOfBlocks(random, count, tables, round % 2 == 0);
+    if (round % 4 > 1) stream = disturbed(stream, random);
+    // However damaged, the stream ends with a marker: there is no length to stop at.
+    stream.insert(stream.end(), {0x00, 0xFF, 0xD9});
+    stream.insert(stream.begin(), static_cast<size_t>(skipped) / 8, 0xFF);
+
+    const auto subject = [&](const uint8_t* source, int32_t) {
+      Trace trace;
+      int32_t bitPosition = skipped, held = prefetched, marker = 0;
+      uint32_t bits = prefetchedBits;
+      int16_t lastDc = 0;
+      for (int i = 0; i < count + 2; ++i) {
+        Block block;
+        block.fill(0x5A5A);
+        trace.push_back(zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1(source, &bitPosition, block.data(), &lastDc, &marker,
+                                                                  &bits, &held, &tables.dc.spec, &tables.ac.spec));
+        trace.insert(trace.end(), {bitPosition, held, marker, bits, lastDc});
+        trace.insert(trace.end(), block.begin(), block.end());
+      }
+      return trace;
+    };
+    const auto model = [&](const uint8_t* source, int32_t length) {
+      Trace trace;
+      reference::HuffmanReader reader(source, length);
+      reader.position = skipped / 8;
+      reader.prefetch(prefetchedBits, prefetched);
+      int16_t lastDc = 0;
+      for (int i = 0; i < count + 2; ++i) {
+        reference::DecodedBlock block;
+        StatusCode status = reference::decodeBlock(reader, block, lastDc, tables.dc.model, tables.ac.model);
+        if (block.noBitsBeforeSymbol) status = StatusOk;
+        if (block.noExtraBits) status = StatusBufferEnd;
+        trace.insert(trace.end(), {status, 8 * reader.position + skipped % 8, reader.held(), reader.marker,
+                                   reader.buffer(), lastDc});
+        trace.insert(trace.end(), block.coefficients, block.coefficients + 64);
+      }
+      return trace;
+    };
+    expectReadsEqualModel("direct, round " + std::to_string(round), stream, subject, model);
+  }
+}
+
+TEST(HuffmanDecoder, LosslessRowsAndValuesEqualModel) {
+  Random random(4);
+  for (int round = 0; round < 40; ++round) {
+    const int32_t components = static_cast<int32_t>(random.between(1, 6));  // four of them are used
+    const int32_t used = std::min(components, 4);
+    const auto samples = static_cast<size_t>(random.between(1, round % 5 == 0 ? 150 : 30));
+    std::vector<Table> tables;
+    for (int c = 0; c < 4; ++c) tables.emplace_back(randomLists(random, firstSymbols(round % 6 == 5 ? 256 : 17)));
+    std::vector<int16_t> values(samples * 2 * static_cast<size_t>(used));
+    fillSamples(values.data(), values.size(), random, round % 3 == 0 ? 2 : round);
+    const Bytes stream = streamOf([&](reference::HuffmanWriter& writer) {
+      for (size_t i = 0; i < values.size(); ++i) {
+        tables[i % static_cast<size_t>(used)].encoder.putDifference(writer, values[i]);
+      }
+    });
+    const HuffmanDecodeSpec* specs[4] = {&tables[0].spec, &tables[1].spec, &tables[2].spec, &tables[3].spec};
+
+    const DecoderCalls rowCalls = statefulCalls(
+        4,
+        [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
+          std::vector<int16_t> rows[4];
+          int16_t* pointers[4];
+          for (size_t c = 0; c < 4; ++c) {
+            rows[c].assign(samples, 0x5A5A);
+            pointers[c] = rows[c].data();
+          }
+          const StatusCode status = zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(source, length, &reader.position, pointers,
+                                                                         static_cast<int32_t>(samples), components,
+                                                                         &reader.marker, specs, &reader.state);
+          for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
+          return status;
+        },
+        [&](ModelReader& reader, Trace& trace) {
+          std::vector<int16_t> rows[4];
+          for (auto& row : rows) row.assign(samples, 0x5A5A);
+          StatusCode status = StatusOk;
+          for (size_t i = 0; status == StatusOk && i < samples * static_cast<size_t>(used); ++i) {
+            const size_t c = i % static_cast<size_t>(used);
+            status = reference::decodeDifference(reader.bits, tables[c].model, rows[c][i / static_cast<size_t>(used)]);
+          }
+          for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
+          return status;
+        });
+    expectReadsEqualModelOnVariants("rows, round " + std::to_string(round), stream, rowCalls.subject, rowCalls.model,
+                                    30, 10);
+
+    const DecoderCalls valueCalls = statefulCalls(
+        static_cast<int>(values.size()) + 9,
+        [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
+          int16_t value = 0x5A5A;
+          const StatusCode status = zoriDecodeHuffmanOne_JPEG_1u16s_C1(source, length, &reader.position, &value,
+                                                                       &reader.marker, specs[0], &reader.state);
+          trace.push_back(value);
+          return status;
+        },
+        [&](ModelReader& reader, Trace& trace) {
+          int16_t value = 0x5A5A;
+          const StatusCode status = reference::decodeDifference(reader.bits, tables[0].model, value);
+          trace.push_back(value);
+          return status;
+        });
+    expectReadsEqualModelOnVariants("values, round " + std::to_string(round), stream, valueCalls.subject,
+                                    valueCalls.model, 20, 5);
+  }
+}
+
+// Lists with more codes than fit are accepted where the excess is of more than 8 bits. Whatever such tables decode to,
+// it is the same at every level, and inside the list of symbols.
+TEST(HuffmanDecoder, OversubscribedTablesAreSafe) {
+  Random random(5);
+  for (int round = 0; round < 200; ++round) {
+    HuffmanLists lists{{1, 1, 1, 1, 1, 1, 1, static_cast<uint8_t>(random.between(0, 3))}, {}};
+    for (size_t length = 8; length < 16; ++length) lists.bits[length] = static_cast<uint8_t>(random.between(0, 28));
+    for (int i = 0; i < 256; ++i) lists.values.push_back(static_cast<uint8_t>(random.next()));
+    const Table table(lists);
+    Bytes noise(300);
+    for (uint8_t& byte : noise) byte = static_cast<uint8_t>(random.next() | (random.oneIn(2) ? 0xF0 : 0));
+    const DecoderCalls calls = blockCalls(40, table, table);
+    setIsa(Isa::kPortable);
+    const Trace portable = calls.subject(noise.data(), 300);
+    expectReadsEqualModel("oversubscribed, round " + std::to_string(round), noise, calls.subject,
+                          [&](const uint8_t*, int32_t) { return portable; });
+  }
+}
+
+TEST(HuffmanDecoder, ArgumentOrder) {
+  const HuffmanDecodeSpec spec = {};
+  const uint8_t source[64] = {};
+  int32_t position = 0, marker = 0, prefetchedCount = 0;
+  uint32_t prefetchedBits = 0;
+  int16_t lastDc = 0, block[64] = {1};
+  HuffmanDecodeState state = {};
+  const auto written = [&] {
+    return block[0] != 1 || position > 0 || marker != 0 || lastDc != 0 || state.bitCount != 0;
+  };
+  constexpr StatusCode kNull = StatusNullPointer, kSize = StatusBadSize, kArgument = StatusBadArgument;
+
+  expectArgumentOrder(
+      "zoriDecodeHuffman8x8_JPEG_1u16s_C1", {kNull, kArgument, kNull, kNull, kNull, kNull, kNull, kNull, kNull},
+      [&](const Faults& f) {
+        return zoriDecodeHuffman8x8_JPEG_1u16s_C1(f.pointer(0, source), f.value(1, 64, -1), f.pointer(2, &position),
+                                                  f.pointer(3, block), f.pointer(4, &lastDc), f.pointer(5, &marker),
+                                                  f.pointer(6, &spec), f.pointer(7, &spec), f.pointer(8, &state));
+      },
+      written);
+  expectArgumentOrder(
+      "zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1",
+      {kNull, kNull, kArgument, kNull, kNull, kNull, kNull, kNull, kArgument, kNull, kNull},
+      [&](const Faults& f) {
+        position = f.value(2, 0, -8);
+        prefetchedCount = f.value(8, 0, -1);
+        return zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1(
+            f.pointer(0, source), f.pointer(1, &position), f.pointer(3, block), f.pointer(4, &lastDc),
+            f.pointer(5, &marker), f.pointer(6, &prefetchedBits), f.pointer(7, &prefetchedCount), f.pointer(9, &spec),
+            f.pointer(10, &spec));
+      },
+      written);
+  position = 0;
+  expectArgumentOrder(
+      "zoriDecodeHuffmanOne_JPEG_1u16s_C1", {kNull, kSize, kNull, kNull, kNull, kNull, kNull},
+      [&](const Faults& f) {
+        return zoriDecodeHuffmanOne_JPEG_1u16s_C1(f.pointer(0, source), f.value(1, 64, 0), f.pointer(2, &position),
+                                                  f.pointer(3, block), f.pointer(4, &marker), f.pointer(5, &spec),
+                                                  f.pointer(6, &state));
+      },
+      written);
+  expectArgumentOrder(
+      "zoriDecodeHuffmanRow_JPEG_1u16s_C1P4",
+      {kNull, kSize, kNull, kNull, kSize, kSize, kNull, kNull, kNull, kNull, kNull},
+      [&](const Faults& f) {
+        int16_t* const rows[2] = {block, f.pointer(9, block)};
+        const HuffmanDecodeSpec* const specs[2] = {&spec, f.pointer(10, &spec)};
+        return zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(
+            f.pointer(0, source), f.value(1, 64, 0), f.pointer(2, &position), f.pointer(3, &rows[0]), f.value(4, 32, 0),
+            f.value(5, 2, -1), f.pointer(6, &marker), f.pointer(7, &specs[0]), f.pointer(8, &state));
+      },
+      written);
+}
+
+}  // namespace
+}  // namespace zorj::test
