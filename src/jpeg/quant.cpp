@@ -1,26 +1,14 @@
 #include <algorithm>
-#include <array>
+#include <cstddef>
 
 #include "core/checks.h"
 #include "core/unaligned.h"
 #include "jpeg/quant_kernels.h"
+#include "jpeg/zigzag.h"
 #include "zorj/jpeg_dct.h"
 
 namespace zorj {
 namespace {
-
-// The position of each coefficient, in natural order, in the zig-zag sequence (T.81 figure A.6).
-constexpr auto kZigZagOfNatural = [] {
-  std::array<uint8_t, 64> position{};
-  uint8_t next = 0;
-  for (int diagonal = 0; diagonal < 15; ++diagonal) {
-    for (int i = std::max(0, diagonal - 7); i <= std::min(diagonal, 7); ++i) {
-      const int row = diagonal % 2 == 0 ? diagonal - i : i;
-      position[static_cast<size_t>(8 * row + diagonal - row)] = next++;
-    }
-  }
-  return position;
-}();
 
 // Percentage by which a quality of 1 to 100 scales the example tables of T.81 Annex K.1.
 int32_t scaleOfQuality(int32_t quality) {
@@ -37,7 +25,7 @@ StatusCode ZORJ_CALL zoriQuantFwdRawTableInit_JPEG_8u(uint8_t* pQuantRawTable, i
   if (anyNull(pQuantRawTable)) return StatusNullPointer;
   if (qualityFactor < 1) return StatusBadArgument;
   const int32_t scale = scaleOfQuality(qualityFactor);
-  for (int i = 0; i < 64; ++i) {
+  for (int i = 0; i < kBlockSize; ++i) {
     pQuantRawTable[i] = static_cast<uint8_t>(std::clamp((pQuantRawTable[i] * scale + 50) / 100, 1, 255));
   }
   return StatusOk;
@@ -46,19 +34,19 @@ StatusCode ZORJ_CALL zoriQuantFwdRawTableInit_JPEG_8u(uint8_t* pQuantRawTable, i
 StatusCode ZORJ_CALL zoriQuantFwdTableInit_JPEG_8u16u(const uint8_t* pQuantRawTable, uint16_t* pQuantFwdTable) {
   if (anyNull(pQuantRawTable, pQuantFwdTable)) return StatusNullPointer;
   StatusCode status = StatusOk;
-  for (size_t i = 0; i < 64; ++i) {
-    const int step = pQuantRawTable[kZigZagOfNatural[i]];
+  for (size_t k = 0; k < kBlockSize; ++k) {
+    const int step = pQuantRawTable[k];
     if (step == 0) status = StatusDivideByZero;
     const int reciprocal = step == 0 ? 0xFFFF : (2 * 32768 + step) / (2 * step);
-    storeUnaligned(pQuantFwdTable + i, static_cast<uint16_t>(reciprocal));
+    storeUnaligned(pQuantFwdTable + kNaturalOrder[k], static_cast<uint16_t>(reciprocal));
   }
   return status;
 }
 
 StatusCode ZORJ_CALL zoriQuantInvTableInit_JPEG_8u16u(const uint8_t* pQuantRawTable, uint16_t* pQuantInvTable) {
   if (anyNull(pQuantRawTable, pQuantInvTable)) return StatusNullPointer;
-  for (size_t i = 0; i < 64; ++i) {
-    storeUnaligned(pQuantInvTable + i, uint16_t{pQuantRawTable[kZigZagOfNatural[i]]});
+  for (size_t k = 0; k < kBlockSize; ++k) {
+    storeUnaligned(pQuantInvTable + kNaturalOrder[k], uint16_t{pQuantRawTable[k]});
   }
   return StatusOk;
 }
