@@ -51,10 +51,7 @@ class AcEncoder {
       buffer_.store();
     }
     if (next_ == kBlockSize) return true;
-    const TableEntry end = codes_[kEndOfBlock];
-    buffer_.put(end.value, end.length);
-    buffer_.store();
-    return end.length != 0;
+    return putWithoutExtraBits(codes_[kEndOfBlock]);
   }
 
  private:
@@ -76,12 +73,16 @@ class AcEncoder {
     return entry.length != 0;
   }
   HWY_INLINE bool putZeroRuns(uint32_t count) {
-    const TableEntry entry = codes_[kZeroRun16];
     for (; count > 0; --count) {
-      buffer_.put(entry.value, entry.length);
-      buffer_.store();
+      if (!putWithoutExtraBits(codes_[kZeroRun16])) return false;
     }
-    return entry.length != 0;
+    return true;
+  }
+  HWY_INLINE bool putWithoutExtraBits(TableEntry entry) {
+    if (entry.length == 0) return false;
+    buffer_.put(entry.value, entry.length);
+    buffer_.store();
+    return true;
   }
 
   BitBuffer& buffer_;
