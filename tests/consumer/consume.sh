@@ -15,7 +15,7 @@ cp "$source/tests/consumer/CMakeLists.txt" "$source/tests/consumer/row.cpp" "$wo
 awk '/^```c$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md" >"$work/source/row.c"
 
 echo "CMake package"
-cmake -S "$work/source" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/installed" >"$work/configure.log"
+cmake -G Ninja -S "$work/source" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/installed" >"$work/configure.log"
 cmake --build "$work/build" >"$work/build.log"
 "$work/build/row_c"
 "$work/build/row_cpp"
