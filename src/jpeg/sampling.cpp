@@ -53,7 +53,7 @@ StatusCode ZORJ_CALL zoriSampleDownH2V1_JPEG_8u_C1R(const uint8_t* pSrc, int32_t
   const Destination dst = {pDst, dstStep, dstRoiSize};
   if (const StatusCode status = check(src, dst); status != StatusOk) return status;
   const auto box = samplingKernels().boxH2V1;
-  forEachRow(dstRoiSize, [=](int32_t y) { box(dst.row(y), dst.width(), src.width(), src.nearestRow(y)); });
+  forEachRow(dstRoiSize, [=](int32_t y) { box(dst.row(y), dst.width(), src.width(), src.step, src.nearestRow(y)); });
   return StatusOk;
 }
 
@@ -65,7 +65,8 @@ StatusCode ZORJ_CALL zoriSampleDownH2V2_JPEG_8u_C1R(const uint8_t* pSrc, int32_t
   const auto box = samplingKernels().boxH2V2;
   forEachRow(dstRoiSize, [=](int32_t y) {
     const int64_t upper = int64_t{2} * y;
-    box(dst.row(y), dst.width(), src.width(), src.nearestRow(upper), src.nearestRow(upper + 1));
+    box(dst.row(y), dst.width(), src.width(), ptrdiff_t{2} * src.step, src.nearestRow(upper),
+        src.nearestRow(upper + 1));
   });
   return StatusOk;
 }
@@ -73,7 +74,7 @@ StatusCode ZORJ_CALL zoriSampleDownH2V2_JPEG_8u_C1R(const uint8_t* pSrc, int32_t
 StatusCode ZORJ_CALL zoriSampleDownRowH2V1_Box_JPEG_8u_C1(const uint8_t* pSrc, int32_t srcWidth, uint8_t* pDst) {
   if (const StatusCode status = checkRow(srcWidth, pSrc, pDst); status != StatusOk) return status;
   const auto width = static_cast<size_t>(srcWidth);
-  samplingKernels().alternatingBoxH2V1(pDst, (width + 1) / 2, width, pSrc);
+  samplingKernels().alternatingBoxH2V1(pDst, (width + 1) / 2, width, 0, pSrc);
   return StatusOk;
 }
 
@@ -81,7 +82,7 @@ StatusCode ZORJ_CALL zoriSampleDownRowH2V2_Box_JPEG_8u_C1(const uint8_t* pSrc1, 
                                                           uint8_t* pDst) {
   if (const StatusCode status = checkRow(srcWidth, pSrc1, pSrc2, pDst); status != StatusOk) return status;
   const auto width = static_cast<size_t>(srcWidth);
-  samplingKernels().alternatingBoxH2V2(pDst, (width + 1) / 2, width, pSrc1, pSrc2);
+  samplingKernels().alternatingBoxH2V2(pDst, (width + 1) / 2, width, 0, pSrc1, pSrc2);
   return StatusOk;
 }
 

@@ -1,5 +1,7 @@
 #include "jpeg/sampling_kernels.h"
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 
 #include "core/isa.h"
@@ -53,8 +55,19 @@ HWY_INLINE void storeInterleaved(ByteVector lower, ByteVector upper, uint8_t* ds
 }
 #endif
 
+#if ZORJ_SIMD
+// Fetches two vectors from `distance` bytes ahead, wherever that is.
+HWY_INLINE void fetch(const uint8_t* samples, ptrdiff_t distance) {
+  constexpr size_t kCacheLine = 64;
+  const uintptr_t ahead = reinterpret_cast<uintptr_t>(samples) + static_cast<uintptr_t>(distance);
+  for (size_t i = 0; i < 2 * hn::Lanes(Bytes()); i += kCacheLine) {
+    hwy::Prefetch(reinterpret_cast<const uint8_t*>(ahead + i));
+  }
+}
+#endif
+
 template <int evenBias, int oddBias, class... Source>
-void box(uint8_t* dst, size_t dstWidth, size_t srcWidth, const Source*... rows) {
+void box(uint8_t* dst, size_t dstWidth, size_t srcWidth, [[maybe_unused]] ptrdiff_t nextRows, const Source*... rows) {
   constexpr int kShift = sizeof...(rows);
   size_t x = 0;
 #if ZORJ_SIMD
@@ -70,6 +83,8 @@ void box(uint8_t* dst, size_t dstWidth, size_t srcWidth, const Source*... rows) 
   if (count >= lanes) {
     for (; x < count; x += lanes) {
       const size_t at = std::min(x, count - lanes);
+      // Processors lose track of two rows that jump in turns: the next ones are fetched here.
+      if constexpr (sizeof...(rows) > 1) (fetch(rows + 2 * at, nextRows), ...);
       const auto lower = average(2 * at), upper = average(2 * at + lanes);
       hn::StoreU(hn::ConcatEven(d8, hn::BitCast(d8, upper), hn::BitCast(d8, lower)), d8, dst + at);
     }
@@ -119,10 +134,11 @@ struct TwoRows {
   // Two outputs a word from (near, far) pairs of three neighbours.
   static HWY_INLINE ByteVector outputs(ByteVector previous, ByteVector current, ByteVector next) {
     const Words d;
+    // In the rounding average the 1 of (7 + 1) comes for nothing.
     const auto centre = hn::Add(weighPairs<9, 3>(current), hn::Set(d, 7));
-    const auto even = hn::Add(hn::Add(centre, hn::Set(d, 1)), weighPairs<3, 1>(previous));
-    const auto odd = hn::Add(centre, weighPairs<3, 1>(next));
-    return hn::BitCast(Bytes(), hn::Or(hn::ShiftRight<4>(even), hn::ShiftLeft<8>(hn::ShiftRight<4>(odd))));
+    const auto even = hn::ShiftRight<3>(hn::AverageRound(centre, weighPairs<3, 1>(previous)));
+    const auto odd = hn::ShiftLeft<4>(hn::Add(centre, weighPairs<3, 1>(next)));
+    return hn::OddEven(hn::BitCast(Bytes(), odd), hn::BitCast(Bytes(), even));
   }
   HWY_INLINE void widen(size_t i, uint8_t* dst) const {
     const Bytes d;
