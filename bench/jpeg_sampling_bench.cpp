@@ -70,12 +70,12 @@ void compareRows() {
   });
 }
 
-// A row of MCUs of an image 4096 pixels wide.
+// A row of MCUs of an image 4000 pixels wide.
 void compareMcus(const std::string& sampling, int32_t width, int32_t height,
                  StatusCode(ZORJ_CALL* down)(const uint8_t*, int32_t, int16_t* const[3]),
                  StatusCode(ZORJ_CALL* up)(const int16_t* const[3], uint8_t*, int32_t)) {
-  constexpr int32_t kStep = 3 * 4096;
-  const int32_t count = 4096 / width, blocks = width * height / 64 + 2;
+  constexpr int32_t kStep = 3 * 4000;
+  const int32_t count = 4000 / width, blocks = width * height / 64 + 2;
   const size_t pixelBytes = size_t(kStep) * size_t(height), blockBytes = size_t(count) * size_t(blocks) * 128;
   const auto mcuAt = [=](auto* samples, int32_t i) {
     auto* const y = samples + i * blocks * 64;

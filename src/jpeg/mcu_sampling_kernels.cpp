@@ -20,28 +20,59 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 #if ZORJ_SIMD
 
-// 16 pixels are worked on at a time: a row of a wide MCU, or two rows of an MCU 8 pixels wide. In memory they are the
-// 48 bytes of three vectors.
-using Bytes = hn::Full128<uint8_t>;
-using Halves = hn::Half<Bytes>;
-using Words = hn::Full128<int16_t>;
+// 16 pixels make a group: a row of a wide MCU, or two rows of an MCU 8 pixels wide. In memory they are 48 bytes, in
+// registers a 16-byte block in each of three vectors. Wider vectors hold two groups.
+using Block = hn::Full128<uint8_t>;
+using WordBlock = hn::Full128<int16_t>;
+using HalfBlock = hn::Half<Block>;
+constexpr size_t kBlock = 16;
+#if HWY_TARGET <= HWY_AVX2
+constexpr int kGroups = 2;
+using Bytes = hn::Twice<Block>;
+#else
+constexpr int kGroups = 1;
+using Bytes = Block;
+#endif
+using Words = hn::Repartition<int16_t, Bytes>;
 using ByteVector = hn::Vec<Bytes>;
 using WordVector = hn::Vec<Words>;
-constexpr size_t kLanes = 16;
+
+// The vector whose block for group g is load(g).
+template <class D, class Load>
+HWY_INLINE hn::Vec<D> fromGroups(D d, const Load& load) {
+#if HWY_TARGET <= HWY_AVX2
+  return hn::Combine(d, load(1), load(0));
+#else
+  (void)d;
+  return load(0);
+#endif
+}
+
+// Calls store(block, g) for every group.
+template <class V, class Store>
+HWY_INLINE void toGroups(V vector, const Store& store) {
+#if HWY_TARGET <= HWY_AVX2
+  const hn::Half<hn::DFromV<V>> half;
+  store(hn::LowerHalf(half, vector), 0);
+  store(hn::UpperHalf(half, vector), 1);
+#else
+  store(vector, 0);
+#endif
+}
 
 struct Vectors {
   ByteVector at0, at1, at2;
 };
 
-using Shuffle = std::array<uint8_t, kLanes>;
+using Shuffle = std::array<uint8_t, kBlock>;
 constexpr uint8_t kZero = 0x80;
 
 // For the channel with this number: which bytes of vector `part` of the pixels become its samples.
 constexpr Shuffle channelFromPart(size_t channel, size_t part) {
   Shuffle shuffle;
-  for (size_t x = 0; x < kLanes; ++x) {
+  for (size_t x = 0; x < kBlock; ++x) {
     const size_t byte = 3 * x + channel;
-    shuffle[x] = byte / kLanes == part ? static_cast<uint8_t>(byte % kLanes) : kZero;
+    shuffle[x] = byte / kBlock == part ? static_cast<uint8_t>(byte % kBlock) : kZero;
   }
   return shuffle;
 }
@@ -49,8 +80,8 @@ constexpr Shuffle channelFromPart(size_t channel, size_t part) {
 // For vector `part` of the pixels: which samples of the channel with this number become its bytes.
 constexpr Shuffle partFromChannel(size_t part, size_t channel) {
   Shuffle shuffle;
-  for (size_t i = 0; i < kLanes; ++i) {
-    const size_t byte = part * kLanes + i;
+  for (size_t i = 0; i < kBlock; ++i) {
+    const size_t byte = part * kBlock + i;
     shuffle[i] = byte % 3 == channel ? static_cast<uint8_t>(byte / 3) : kZero;
   }
   return shuffle;
@@ -59,7 +90,7 @@ constexpr Shuffle partFromChannel(size_t part, size_t channel) {
 template <Shuffle (*makeShuffle)(size_t, size_t), size_t to, size_t from>
 HWY_INLINE ByteVector shuffled(ByteVector bytes) {
   static constexpr Shuffle kShuffle = makeShuffle(to, from);
-  return hn::TableLookupBytesOr0(bytes, hn::LoadU(Bytes(), kShuffle.data()));
+  return hn::TableLookupBytesOr0(bytes, hn::LoadDup128(Bytes(), kShuffle.data()));
 }
 
 template <Shuffle (*makeShuffle)(size_t, size_t), size_t to>
@@ -73,82 +104,105 @@ HWY_INLINE Vectors rearranged(const Vectors& from) {
   return {gathered<makeShuffle, 0>(from), gathered<makeShuffle, 1>(from), gathered<makeShuffle, 2>(from)};
 }
 
-// The channels of 16 pixels of one row.
-HWY_INLINE Vectors loadWideRow(const uint8_t* src) {
-  const Bytes d;
-  return rearranged<&channelFromPart>({hn::LoadU(d, src), hn::LoadU(d, src + 16), hn::LoadU(d, src + 32)});
+// The channels of rows of 16 pixels, one in each group.
+HWY_INLINE Vectors loadWideRows(const uint8_t* src, ptrdiff_t groupStep) {
+  const auto bytes = [&](size_t at) HWY_ATTR {
+    return fromGroups(Bytes(), [&](int g) HWY_ATTR { return hn::LoadU(Block(), src + g * groupStep + at); });
+  };
+  return rearranged<&channelFromPart>({bytes(0), bytes(16), bytes(32)});
 }
 
-HWY_INLINE void storeWideRow(const Vectors& channels, uint8_t* dst) {
-  const Bytes d;
+HWY_INLINE void storeWideRows(const Vectors& channels, uint8_t* dst, ptrdiff_t groupStep) {
   const Vectors pixels = rearranged<&partFromChannel>(channels);
-  hn::StoreU(pixels.at0, d, dst);
-  hn::StoreU(pixels.at1, d, dst + 16);
-  hn::StoreU(pixels.at2, d, dst + 32);
+  const auto store = [&](ByteVector bytes, size_t at) HWY_ATTR {
+    toGroups(bytes, [&](auto block, int g) HWY_ATTR { hn::StoreU(block, Block(), dst + g * groupStep + at); });
+  };
+  store(pixels.at0, 0);
+  store(pixels.at1, 16);
+  store(pixels.at2, 32);
 }
 
-// The channels of 8 pixels of each of two rows.
-HWY_INLINE Vectors loadTwoRows(const uint8_t* src, ptrdiff_t step) {
-  const Bytes d;
-  const Halves half;
-  const uint8_t* const second = src + step;
-  return rearranged<&channelFromPart>({hn::LoadU(d, src),
-                                       hn::Combine(d, hn::LoadU(half, second), hn::LoadU(half, src + 16)),
-                                       hn::LoadU(d, second + 8)});
+// The channels of two rows of 8 pixels in each group.
+HWY_INLINE Vectors loadNarrowRows(const uint8_t* src, ptrdiff_t step) {
+  const HalfBlock half;
+  const auto row = [&](int y) HWY_ATTR { return src + y * step; };
+  const auto first = [&](int g) HWY_ATTR { return hn::LoadU(Block(), row(2 * g)); };
+  const auto middle = [&](int g) HWY_ATTR {
+    return hn::Combine(Block(), hn::LoadU(half, row(2 * g + 1)), hn::LoadU(half, row(2 * g) + 16));
+  };
+  const auto last = [&](int g) HWY_ATTR { return hn::LoadU(Block(), row(2 * g + 1) + 8); };
+  return rearranged<&channelFromPart>(
+      {fromGroups(Bytes(), first), fromGroups(Bytes(), middle), fromGroups(Bytes(), last)});
 }
 
-HWY_INLINE void storeTwoRows(const Vectors& channels, uint8_t* dst, ptrdiff_t step) {
-  const Bytes d;
-  const Halves half;
-  uint8_t* const second = dst + step;
+HWY_INLINE void storeNarrowRows(const Vectors& channels, uint8_t* dst, ptrdiff_t step) {
+  const HalfBlock half;
+  const auto row = [&](int y) HWY_ATTR { return dst + y * step; };
   const Vectors pixels = rearranged<&partFromChannel>(channels);
-  hn::StoreU(pixels.at0, d, dst);
-  hn::StoreU(hn::LowerHalf(half, pixels.at1), half, dst + 16);
-  hn::StoreU(hn::UpperHalf(half, pixels.at1), half, second);
-  hn::StoreU(pixels.at2, d, second + 8);
+  toGroups(pixels.at0, [&](auto block, int g) HWY_ATTR { hn::StoreU(block, Block(), row(2 * g)); });
+  toGroups(pixels.at1, [&](auto block, int g) HWY_ATTR {
+    hn::StoreU(hn::LowerHalf(half, block), half, row(2 * g) + 16);
+    hn::StoreU(hn::UpperHalf(half, block), half, row(2 * g + 1));
+  });
+  toGroups(pixels.at2, [&](auto block, int g) HWY_ATTR { hn::StoreU(block, Block(), row(2 * g + 1) + 8); });
 }
 
 HWY_INLINE WordVector centred(WordVector samples) { return hn::Sub(samples, hn::Set(Words(), 128)); }
 
-// Stores 16 samples minus 128, 8 at each place.
-HWY_INLINE void storeCentred(ByteVector samples, int16_t* first, int16_t* second) {
-  const Bytes d8;
-  const Words d16;
-  const auto zero = hn::Zero(d8);
-  hn::StoreU(centred(hn::BitCast(d16, hn::InterleaveLower(d8, samples, zero))), d16, first);
-  hn::StoreU(centred(hn::BitCast(d16, hn::InterleaveUpper(d8, samples, zero))), d16, second);
+// Stores the samples of each group minus 128, its first 8 and its last 8 at places of their own.
+HWY_INLINE void storeCentred(ByteVector samples, int16_t* first, int16_t* second, ptrdiff_t groupStep) {
+  const Bytes d;
+  const auto zero = hn::Zero(d);
+  const auto store = [&](ByteVector words, int16_t* dst) HWY_ATTR {
+    toGroups(centred(hn::BitCast(Words(), words)),
+             [&](auto block, int g) HWY_ATTR { hn::StoreU(block, WordBlock(), dst + g * groupStep); });
+  };
+  store(hn::InterleaveLower(d, samples, zero), first);
+  store(hn::InterleaveUpper(d, samples, zero), second);
 }
 
-// 8 samples from each place plus 128, clamped: saturation to signed bytes clamps, the flipped sign bit adds.
-HWY_INLINE ByteVector loadUncentred(const int16_t* first, const int16_t* second) {
-  const Words d;
-  const ByteVector saturated{_mm_packs_epi16(hn::LoadU(d, first).raw, hn::LoadU(d, second).raw)};
+// 8 samples from each place make a group, plus 128 and clamped: saturation to signed bytes clamps, the flipped sign
+// bit adds.
+HWY_INLINE ByteVector loadUncentred(const int16_t* first, const int16_t* second, ptrdiff_t groupStep) {
+  const auto words = [&](const int16_t* src) HWY_ATTR {
+    return fromGroups(Words(), [&](int g) HWY_ATTR { return hn::LoadU(WordBlock(), src + g * groupStep); });
+  };
+#if HWY_TARGET <= HWY_AVX2
+  const ByteVector saturated{_mm256_packs_epi16(words(first).raw, words(second).raw)};
+#else
+  const ByteVector saturated{_mm_packs_epi16(words(first).raw, words(second).raw)};
+#endif
   return hn::Xor(saturated, hn::Set(Bytes(), 0x80));
 }
 
 HWY_INLINE WordVector pairSums(ByteVector bytes) {
-  const auto pairs = hn::BitCast(hn::Full128<uint16_t>(), bytes);
-  const auto sums = hn::Add(hn::And(pairs, hn::Set(hn::Full128<uint16_t>(), 0xFF)), hn::ShiftRight<8>(pairs));
-  return hn::BitCast(Words(), sums);
+  const hn::RebindToUnsigned<Words> d;
+  const auto pairs = hn::BitCast(d, bytes);
+  return hn::BitCast(Words(), hn::Add(hn::And(pairs, hn::Set(d, 0xFF)), hn::ShiftRight<8>(pairs)));
 }
+
+// Where row y of a wide MCU starts in plane 0; 64 samples further on it goes on.
+constexpr int wideRowOffset(int y) { return y / 8 * 128 + y % 8 * 8; }
 
 template <int columns, int rows>
 void down(const uint8_t* src, ptrdiff_t step, int16_t* const mcu[3]) {
   if constexpr (columns == 1) {
-    for (size_t at = 0; at < 64; at += kLanes, src += 2 * step) {
-      const Vectors channels = loadTwoRows(src, step);
-      storeCentred(channels.at0, mcu[0] + at, mcu[0] + at + 8);
-      storeCentred(channels.at1, mcu[1] + at, mcu[1] + at + 8);
-      storeCentred(channels.at2, mcu[2] + at, mcu[2] + at + 8);
+    for (int row = 0; row < 8; row += 2 * kGroups) {
+      const Vectors channels = loadNarrowRows(src + row * step, step);
+      const auto store = [&](ByteVector samples, int16_t* dst) HWY_ATTR { storeCentred(samples, dst, dst + 8, 16); };
+      store(channels.at0, mcu[0] + 8 * row);
+      store(channels.at1, mcu[1] + 8 * row);
+      store(channels.at2, mcu[2] + 8 * row);
     }
   } else {
     const Words d;
-    for (int row = 0; row < 8; ++row) {
+    // Each group makes a row of planes 1 and 2.
+    for (int row = 0; row < 8; row += kGroups) {
       auto sums1 = hn::Set(d, rows), sums2 = sums1;  // half of the samples summed
-      for (int y = rows * row; y < rows * (row + 1); ++y, src += step) {
-        const Vectors channels = loadWideRow(src);
-        int16_t* const left = mcu[0] + y / 8 * 128 + y % 8 * 8;
-        storeCentred(channels.at0, left, left + 64);
+      for (int y = rows * row; y < rows * (row + 1); ++y) {
+        const Vectors channels = loadWideRows(src + y * step, rows * step);
+        int16_t* const left = mcu[0] + wideRowOffset(y);
+        storeCentred(channels.at0, left, left + 64, 8 * rows);
         sums1 = hn::Add(sums1, pairSums(channels.at1));
         sums2 = hn::Add(sums2, pairSums(channels.at2));
       }
@@ -161,19 +215,18 @@ void down(const uint8_t* src, ptrdiff_t step, int16_t* const mcu[3]) {
 template <int columns, int rows>
 void up(const int16_t* const mcu[3], uint8_t* dst, ptrdiff_t step) {
   if constexpr (columns == 1) {
-    for (size_t at = 0; at < 64; at += kLanes, dst += 2 * step) {
-      storeTwoRows({loadUncentred(mcu[0] + at, mcu[0] + at + 8), loadUncentred(mcu[1] + at, mcu[1] + at + 8),
-                    loadUncentred(mcu[2] + at, mcu[2] + at + 8)},
-                   dst, step);
+    for (int row = 0; row < 8; row += 2 * kGroups) {
+      const auto load = [&](const int16_t* src) HWY_ATTR { return loadUncentred(src, src + 8, 16); };
+      storeNarrowRows({load(mcu[0] + 8 * row), load(mcu[1] + 8 * row), load(mcu[2] + 8 * row)}, dst + row * step, step);
     }
   } else {
     const Bytes d;
-    for (int row = 0; row < 8; ++row) {
-      const auto chroma = loadUncentred(mcu[1] + 8 * row, mcu[2] + 8 * row);
+    for (int row = 0; row < 8; row += kGroups) {
+      const auto chroma = loadUncentred(mcu[1] + 8 * row, mcu[2] + 8 * row, 8);
       const auto channel1 = hn::InterleaveLower(d, chroma, chroma), channel2 = hn::InterleaveUpper(d, chroma, chroma);
-      for (int y = rows * row; y < rows * (row + 1); ++y, dst += step) {
-        const int16_t* const left = mcu[0] + y / 8 * 128 + y % 8 * 8;
-        storeWideRow({loadUncentred(left, left + 64), channel1, channel2}, dst);
+      for (int y = rows * row; y < rows * (row + 1); ++y) {
+        const int16_t* const left = mcu[0] + wideRowOffset(y);
+        storeWideRows({loadUncentred(left, left + 64, 8 * rows), channel1, channel2}, dst + y * step, rows * step);
       }
     }
   }
