@@ -125,7 +125,7 @@ HWY_INLINE void storeWideRows(const Vectors& channels, uint8_t* dst, ptrdiff_t g
 // The channels of two rows of 8 pixels in each group.
 HWY_INLINE Vectors loadNarrowRows(const uint8_t* src, ptrdiff_t step) {
   const HalfBlock half;
-  const auto row = [&](int y) HWY_ATTR { return src + y * step; };
+  const auto row = [&](ptrdiff_t y) HWY_ATTR { return src + y * step; };
   const auto first = [&](int g) HWY_ATTR { return hn::LoadU(Block(), row(2 * g)); };
   const auto middle = [&](int g) HWY_ATTR {
     return hn::Combine(Block(), hn::LoadU(half, row(2 * g + 1)), hn::LoadU(half, row(2 * g) + 16));
@@ -137,7 +137,7 @@ HWY_INLINE Vectors loadNarrowRows(const uint8_t* src, ptrdiff_t step) {
 
 HWY_INLINE void storeNarrowRows(const Vectors& channels, uint8_t* dst, ptrdiff_t step) {
   const HalfBlock half;
-  const auto row = [&](int y) HWY_ATTR { return dst + y * step; };
+  const auto row = [&](ptrdiff_t y) HWY_ATTR { return dst + y * step; };
   const Vectors pixels = rearranged<&partFromChannel>(channels);
   toGroups(pixels.at0, [&](auto block, int g) HWY_ATTR { hn::StoreU(block, Block(), row(2 * g)); });
   toGroups(pixels.at1, [&](auto block, int g) HWY_ATTR {
@@ -182,12 +182,12 @@ HWY_INLINE WordVector pairSums(ByteVector bytes) {
 }
 
 // Where row y of a wide MCU starts in plane 0; 64 samples further on it goes on.
-constexpr int wideRowOffset(int y) { return y / 8 * 128 + y % 8 * 8; }
+constexpr ptrdiff_t wideRowOffset(ptrdiff_t y) { return y / 8 * 128 + y % 8 * 8; }
 
-template <int columns, int rows>
+template <ptrdiff_t columns, ptrdiff_t rows>
 void down(const uint8_t* src, ptrdiff_t step, int16_t* const mcu[3]) {
   if constexpr (columns == 1) {
-    for (int row = 0; row < 8; row += 2 * kGroups) {
+    for (ptrdiff_t row = 0; row < 8; row += 2 * kGroups) {
       const Vectors channels = loadNarrowRows(src + row * step, step);
       const auto store = [&](ByteVector samples, int16_t* dst) HWY_ATTR { storeCentred(samples, dst, dst + 8, 16); };
       store(channels.at0, mcu[0] + 8 * row);
@@ -197,9 +197,9 @@ void down(const uint8_t* src, ptrdiff_t step, int16_t* const mcu[3]) {
   } else {
     const Words d;
     // Each group makes a row of planes 1 and 2.
-    for (int row = 0; row < 8; row += kGroups) {
-      auto sums1 = hn::Set(d, rows), sums2 = sums1;  // half of the samples summed
-      for (int y = rows * row; y < rows * (row + 1); ++y) {
+    for (ptrdiff_t row = 0; row < 8; row += kGroups) {
+      auto sums1 = hn::Set(d, static_cast<int16_t>(rows)), sums2 = sums1;  // half of the samples summed
+      for (ptrdiff_t y = rows * row; y < rows * (row + 1); ++y) {
         const Vectors channels = loadWideRows(src + y * step, rows * step);
         int16_t* const left = mcu[0] + wideRowOffset(y);
         storeCentred(channels.at0, left, left + 64, 8 * rows);
@@ -212,19 +212,19 @@ void down(const uint8_t* src, ptrdiff_t step, int16_t* const mcu[3]) {
   }
 }
 
-template <int columns, int rows>
+template <ptrdiff_t columns, ptrdiff_t rows>
 void up(const int16_t* const mcu[3], uint8_t* dst, ptrdiff_t step) {
   if constexpr (columns == 1) {
-    for (int row = 0; row < 8; row += 2 * kGroups) {
+    for (ptrdiff_t row = 0; row < 8; row += 2 * kGroups) {
       const auto load = [&](const int16_t* src) HWY_ATTR { return loadUncentred(src, src + 8, 16); };
       storeNarrowRows({load(mcu[0] + 8 * row), load(mcu[1] + 8 * row), load(mcu[2] + 8 * row)}, dst + row * step, step);
     }
   } else {
     const Bytes d;
-    for (int row = 0; row < 8; row += kGroups) {
+    for (ptrdiff_t row = 0; row < 8; row += kGroups) {
       const auto chroma = loadUncentred(mcu[1] + 8 * row, mcu[2] + 8 * row, 8);
       const auto channel1 = hn::InterleaveLower(d, chroma, chroma), channel2 = hn::InterleaveUpper(d, chroma, chroma);
-      for (int y = rows * row; y < rows * (row + 1); ++y) {
+      for (ptrdiff_t y = rows * row; y < rows * (row + 1); ++y) {
         const int16_t* const left = mcu[0] + wideRowOffset(y);
         storeWideRows({loadUncentred(left, left + 64, 8 * rows), channel1, channel2}, dst + y * step, rows * step);
       }
@@ -235,18 +235,18 @@ void up(const int16_t* const mcu[3], uint8_t* dst, ptrdiff_t step) {
 #else
 
 // Where plane 0 of an MCU `columns` blocks wide keeps the sample of pixel (x, y).
-template <int columns>
-constexpr int blockOffset(int x, int y) {
+template <ptrdiff_t columns>
+constexpr ptrdiff_t blockOffset(ptrdiff_t x, ptrdiff_t y) {
   return (y / 8 * columns + x / 8) * 64 + y % 8 * 8 + x % 8;
 }
 
-template <int columns, int rows>
+template <ptrdiff_t columns, ptrdiff_t rows>
 void down(const uint8_t* src, ptrdiff_t step, int16_t* const mcu[3]) {
-  constexpr int kCovered = columns * rows;
+  constexpr int kCovered = static_cast<int>(columns * rows);
   int sums[2][64] = {};
-  for (int y = 0; y < 8 * rows; ++y, src += step) {
-    for (int x = 0; x < 8 * columns; ++x) {
-      const int covering = y / rows * 8 + x / columns;
+  for (ptrdiff_t y = 0; y < 8 * rows; ++y, src += step) {
+    for (ptrdiff_t x = 0; x < 8 * columns; ++x) {
+      const ptrdiff_t covering = y / rows * 8 + x / columns;
       storeUnaligned(mcu[0] + blockOffset<columns>(x, y), static_cast<int16_t>(src[3 * x] - 128));
       sums[0][covering] += src[3 * x + 1];
       sums[1][covering] += src[3 * x + 2];
@@ -262,11 +262,11 @@ uint8_t uncentred(const int16_t* sample) {
   return static_cast<uint8_t>(std::clamp(loadUnaligned(sample) + 128, 0, 255));
 }
 
-template <int columns, int rows>
+template <ptrdiff_t columns, ptrdiff_t rows>
 void up(const int16_t* const mcu[3], uint8_t* dst, ptrdiff_t step) {
-  for (int y = 0; y < 8 * rows; ++y, dst += step) {
-    for (int x = 0; x < 8 * columns; ++x) {
-      const int covering = y / rows * 8 + x / columns;
+  for (ptrdiff_t y = 0; y < 8 * rows; ++y, dst += step) {
+    for (ptrdiff_t x = 0; x < 8 * columns; ++x) {
+      const ptrdiff_t covering = y / rows * 8 + x / columns;
       dst[3 * x] = uncentred(mcu[0] + blockOffset<columns>(x, y));
       dst[3 * x + 1] = uncentred(mcu[1] + covering);
       dst[3 * x + 2] = uncentred(mcu[2] + covering);

@@ -53,9 +53,7 @@ HWY_INLINE void storeInterleaved(ByteVector lower, ByteVector upper, uint8_t* ds
   hn::StoreU(upper, d, dst + hn::Lanes(d));
 #endif
 }
-#endif
 
-#if ZORJ_SIMD
 // Fetches two vectors from `distance` bytes ahead, wherever that is.
 HWY_INLINE void fetch(const uint8_t* samples, ptrdiff_t distance) {
   constexpr size_t kCacheLine = 64;
@@ -69,6 +67,7 @@ HWY_INLINE void fetch(const uint8_t* samples, ptrdiff_t distance) {
 template <int evenBias, int oddBias, class... Source>
 void box(uint8_t* dst, size_t dstWidth, size_t srcWidth, [[maybe_unused]] ptrdiff_t nextRows, const Source*... rows) {
   constexpr int kShift = sizeof...(rows);
+  constexpr int kBias[2] = {evenBias, oddBias};
   size_t x = 0;
 #if ZORJ_SIMD
   const Bytes d8;
@@ -93,8 +92,7 @@ void box(uint8_t* dst, size_t dstWidth, size_t srcWidth, [[maybe_unused]] ptrdif
 #endif
   for (; x < dstWidth; ++x) {
     const size_t left = std::min(2 * x, srcWidth - 1), right = std::min(2 * x + 1, srcWidth - 1);
-    const int bias = x % 2 == 0 ? evenBias : oddBias;
-    dst[x] = static_cast<uint8_t>(((rows[left] + rows[right]) + ... + bias) >> kShift);
+    dst[x] = static_cast<uint8_t>(((rows[left] + rows[right]) + ... + kBias[x % 2]) >> kShift);
   }
 }
 

@@ -54,10 +54,11 @@ void modelDown(ChromaSharing sharing, const uint8_t* pixels, int32_t step, int16
 }
 
 void modelUp(ChromaSharing sharing, const int16_t* const mcu[3], uint8_t* pixels, int32_t step) {
-  for (int y = 0; y < sharing.pixelsDown(); ++y) {
+  for (int y = 0; y < sharing.pixelsDown(); ++y, pixels += step) {
+    uint8_t* channel = pixels;
     for (int x = 0; x < sharing.pixelsAcross(); ++x) {
       for (int plane = 0; plane < 3; ++plane) {
-        pixels[ptrdiff_t{y} * step + 3 * x + plane] = reference::mcuSampleUp(sharing, mcu[plane], plane, x, y);
+        *channel++ = reference::mcuSampleUp(sharing, mcu[plane], plane, x, y);
       }
     }
   }
@@ -107,7 +108,7 @@ TEST(McuSampling, BlocksMayLieAtOddAddresses) {
   alignas(2) uint8_t memory[3][2 * 256 + 2];
   std::array<int16_t*, 3> mcu;
   for (size_t plane = 0; plane < 3; ++plane) mcu[plane] = reinterpret_cast<int16_t*>(memory[plane] + 1);
-  std::array<uint8_t, 3 * 256> pixels, result = {};
+  std::array<uint8_t, 768> pixels, result = {};
   Random random(3);
   for (size_t i = 0; i < pixels.size(); ++i)
     pixels[i] = static_cast<uint8_t>(i % 3 == 0 ? random.next() : 70 * (i % 3));
@@ -127,7 +128,7 @@ TEST(McuSampling, CheckArgumentsInOrder) {
   const std::vector order = {StatusNullPointer, StatusNullPointer, StatusBadStep,
                              StatusNullPointer, StatusNullPointer, StatusNullPointer};
   std::array<int16_t, 256> blocks = {};
-  std::array<uint8_t, 3 * 256> pixels = {};
+  std::array<uint8_t, 768> pixels = {};
   const auto unchanged = [&] { return blocks == decltype(blocks){} && pixels == decltype(pixels){}; };
   const auto planes = [&](const Faults& f) {
     return std::array{f.pointer(3, blocks.data()), f.pointer(4, blocks.data()), f.pointer(5, blocks.data())};

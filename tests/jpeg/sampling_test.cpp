@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 
 #include "reference/sampling.h"
 #include "support/arguments.h"
@@ -15,9 +14,10 @@ namespace {
 using reference::ExtendedPlane;
 
 // Output (x, y) of a source.
-using Model = std::function<uint8_t(const ExtendedPlane& source, int x, int y)>;
+using Model = uint8_t (*)(const ExtendedPlane& source, int x, int y);
 
-void computeModel(const ExtendedPlane& source, const Model& model, uint8_t* dst, int32_t step, RoiSize size) {
+template <class AnyModel>
+void computeModel(const ExtendedPlane& source, const AnyModel& model, uint8_t* dst, int32_t step, RoiSize size) {
   for (int y = 0; y < size.height; ++y) {
     for (int x = 0; x < size.width; ++x) dst[ptrdiff_t{y} * step + x] = model(source, x, y);
   }
@@ -29,82 +29,79 @@ uint8_t triangleOfPlane(const ExtendedPlane& source, int x, int y) {
 
 // ---- Rows
 
-using OneRowFunction = StatusCode(ZORJ_CALL*)(const uint8_t*, int32_t, uint8_t*);
-using TwoRowFunction = StatusCode(ZORJ_CALL*)(const uint8_t*, const uint8_t*, int32_t, uint8_t*);
-using OutputWidth = int (*)(int srcWidth);
+// A row function on one or two source rows.
+struct RowCase {
+  const char* what;
+  int sourceRows;
+  StatusCode (*subject)(const uint8_t* const rows[2], int32_t width, uint8_t* dst);
+  int (*outputWidth)(int srcWidth);
+  Model model;  // sees the source rows of output row y as the rows from sourceRows * y on of one plane
+};
 
 int halved(int width) { return (width + 1) / 2; }
 int doubled(int width) { return 2 * width; }
 
-void expectOneRow(const char* what, OneRowFunction subject, OutputWidth outputWidth, const Model& model) {
-  expectRowsEqualModel(
-      what,
-      [&](int width, int height) {
-        return std::vector{sourceImage<uint8_t>(width, height), destinationImage<uint8_t>(outputWidth(width), height)};
-      },
-      [&](const Operands& o, RoiSize size) {
-        for (int y = 0; y < size.height; ++y) {
-          EXPECT_EQ(subject(o.at<uint8_t>(0) + y * o.step(0), size.width, o.at<uint8_t>(1) + y * o.step(1)), StatusOk);
-        }
-      },
-      [&](const Operands& o, RoiSize size) {
-        computeModel({o.at<uint8_t>(0), o.step(0), size.width, size.height}, model, o.at<uint8_t>(1), o.step(1),
-                     {outputWidth(size.width), size.height});
-      });
+constexpr RowCase kRowCases[] = {
+    {"zoriSampleDownRowH2V1_Box_JPEG_8u_C1", 1,
+     [](const uint8_t* const rows[2], int32_t width, uint8_t* dst) {
+       return zoriSampleDownRowH2V1_Box_JPEG_8u_C1(rows[0], width, dst);
+     },
+     &halved, [](const ExtendedPlane& source, int x, int y) { return reference::boxH2V1(source, x, y, x % 2); }},
+    {"zoriSampleDownRowH2V2_Box_JPEG_8u_C1", 2,
+     [](const uint8_t* const rows[2], int32_t width, uint8_t* dst) {
+       return zoriSampleDownRowH2V2_Box_JPEG_8u_C1(rows[0], rows[1], width, dst);
+     },
+     &halved, [](const ExtendedPlane& source, int x, int y) { return reference::boxH2V2(source, x, y, 1 + x % 2); }},
+    {"zoriSampleUpRowH2V1_Triangle_JPEG_8u_C1", 1,
+     [](const uint8_t* const rows[2], int32_t width, uint8_t* dst) {
+       return zoriSampleUpRowH2V1_Triangle_JPEG_8u_C1(rows[0], width, dst);
+     },
+     &doubled, &reference::triangleH2V1},
+    {"zoriSampleUpRowH2V2_Triangle_JPEG_8u_C1", 2,
+     [](const uint8_t* const rows[2], int32_t width, uint8_t* dst) {
+       return zoriSampleUpRowH2V2_Triangle_JPEG_8u_C1(rows[0], rows[1], width, dst);
+     },
+     &doubled,
+     [](const ExtendedPlane& source, int x, int y) { return reference::triangleH2V2(source, x, 2 * y, 2 * y + 1); }},
+};
 
-  const std::array<uint8_t, 4> source = {};
-  std::array<uint8_t, 8> destination = {};
-  expectArgumentOrder(
-      what, {StatusNullPointer, StatusNullPointer, StatusBadSize},
-      [&](const Faults& f) {
-        return subject(f.pointer(0, source.data()), f.value(2, 4, 0), f.pointer(1, destination.data()));
-      },
-      [&] { return destination != std::array<uint8_t, 8>{}; });
+TEST(SamplingRows, EqualModel) {
+  for (const RowCase& test : kRowCases) {
+    expectRowsEqualModel(
+        test.what,
+        [&](int width, int height) {
+          return std::vector{sourceImage<uint8_t>(width, test.sourceRows * height),
+                             destinationImage<uint8_t>(test.outputWidth(width), height)};
+        },
+        [&](const Operands& o, RoiSize size) {
+          for (ptrdiff_t y = 0; y < size.height; ++y) {
+            const uint8_t* const first = o.at<uint8_t>(0) + y * test.sourceRows * o.step(0);
+            const uint8_t* const rows[2] = {first, test.sourceRows == 2 ? first + o.step(0) : nullptr};
+            EXPECT_EQ(test.subject(rows, size.width, o.at<uint8_t>(1) + y * o.step(1)), StatusOk);
+          }
+        },
+        [&](const Operands& o, RoiSize size) {
+          computeModel({o.at<uint8_t>(0), o.step(0), size.width, test.sourceRows * size.height}, test.model,
+                       o.at<uint8_t>(1), o.step(1), {test.outputWidth(size.width), size.height});
+        });
+  }
 }
 
-// The two source rows of each output row are rows 2y and 2y + 1 of operand 0, so a model sees them in one plane.
-void expectTwoRows(const char* what, TwoRowFunction subject, OutputWidth outputWidth, const Model& model) {
-  expectRowsEqualModel(
-      what,
-      [&](int width, int height) {
-        return std::vector{sourceImage<uint8_t>(width, 2 * height),
-                           destinationImage<uint8_t>(outputWidth(width), height)};
-      },
-      [&](const Operands& o, RoiSize size) {
-        for (int y = 0; y < size.height; ++y) {
-          const uint8_t* const rows = o.at<uint8_t>(0) + 2 * y * o.step(0);
-          EXPECT_EQ(subject(rows, rows + o.step(0), size.width, o.at<uint8_t>(1) + y * o.step(1)), StatusOk);
-        }
-      },
-      [&](const Operands& o, RoiSize size) {
-        computeModel({o.at<uint8_t>(0), o.step(0), size.width, 2 * size.height}, model, o.at<uint8_t>(1), o.step(1),
-                     {outputWidth(size.width), size.height});
-      });
-
-  const std::array<uint8_t, 4> source = {};
-  std::array<uint8_t, 8> destination = {};
-  expectArgumentOrder(
-      what, {StatusNullPointer, StatusNullPointer, StatusNullPointer, StatusBadSize},
-      [&](const Faults& f) {
-        return subject(f.pointer(0, source.data()), f.pointer(1, source.data()), f.value(3, 4, -1),
-                       f.pointer(2, destination.data()));
-      },
-      [&] { return destination != std::array<uint8_t, 8>{}; });
-}
-
-TEST(SamplingRows, Boxes) {
-  expectOneRow("zoriSampleDownRowH2V1_Box_JPEG_8u_C1", &zoriSampleDownRowH2V1_Box_JPEG_8u_C1, &halved,
-               [](const ExtendedPlane& source, int x, int y) { return reference::boxH2V1(source, x, y, x % 2); });
-  expectTwoRows("zoriSampleDownRowH2V2_Box_JPEG_8u_C1", &zoriSampleDownRowH2V2_Box_JPEG_8u_C1, &halved,
-                [](const ExtendedPlane& source, int x, int y) { return reference::boxH2V2(source, x, y, 1 + x % 2); });
-}
-
-TEST(SamplingRows, Triangles) {
-  expectOneRow("zoriSampleUpRowH2V1_Triangle_JPEG_8u_C1", &zoriSampleUpRowH2V1_Triangle_JPEG_8u_C1, &doubled,
-               &reference::triangleH2V1);
-  expectTwoRows(
-      "zoriSampleUpRowH2V2_Triangle_JPEG_8u_C1", &zoriSampleUpRowH2V2_Triangle_JPEG_8u_C1, &doubled,
-      [](const ExtendedPlane& source, int x, int y) { return reference::triangleH2V2(source, x, 2 * y, 2 * y + 1); });
+TEST(SamplingRows, CheckArgumentsInOrder) {
+  const std::array<uint8_t, 4> source = {1, 2, 3, 4};
+  for (const RowCase& test : kRowCases) {
+    std::array<uint8_t, 8> destination = {};
+    const auto pointers = static_cast<size_t>(test.sourceRows) + 1;
+    std::vector<StatusCode> order(pointers, StatusNullPointer);
+    order.push_back(StatusBadSize);
+    expectArgumentOrder(
+        test.what, order,
+        [&](const Faults& f) {
+          const uint8_t* const rows[2] = {f.pointer(0, source.data()), f.pointer(1, source.data())};
+          return test.subject(rows, f.value(pointers, 4, 0), f.pointer(pointers - 1, destination.data()));
+        },
+        [&] { return destination != std::array<uint8_t, 8>{}; });
+  }
 }
 
 // ---- Planes
@@ -137,16 +134,16 @@ PlaneSizes upH2V2Sizes(RoiSize size) {
   return {{size.width, (size.height + 1) / 2}, {2 * size.width - size.width / 2 % 2, size.height}};
 }
 
-const PlaneCase kDownH2V1 = {
+constexpr PlaneCase kDownH2V1 = {
     "zoriSampleDownH2V1_JPEG_8u_C1R", &zoriSampleDownH2V1_JPEG_8u_C1R,
     [](const ExtendedPlane& source, int x, int y) { return reference::boxH2V1(source, x, y, 1); }, &downH2V1Sizes};
-const PlaneCase kDownH2V2 = {
+constexpr PlaneCase kDownH2V2 = {
     "zoriSampleDownH2V2_JPEG_8u_C1R", &zoriSampleDownH2V2_JPEG_8u_C1R,
     [](const ExtendedPlane& source, int x, int y) { return reference::boxH2V2(source, x, y, 3); }, &downH2V2Sizes};
-const PlaneCase kUpH2V1 = {"zoriSampleUpH2V1_JPEG_8u_C1R", &zoriSampleUpH2V1_JPEG_8u_C1R, &reference::triangleH2V1,
-                           &upH2V1Sizes, 1};
-const PlaneCase kUpH2V2 = {"zoriSampleUpH2V2_JPEG_8u_C1R", &zoriSampleUpH2V2_JPEG_8u_C1R, &triangleOfPlane,
-                           &upH2V2Sizes};
+constexpr PlaneCase kUpH2V1 = {"zoriSampleUpH2V1_JPEG_8u_C1R", &zoriSampleUpH2V1_JPEG_8u_C1R, &reference::triangleH2V1,
+                               &upH2V1Sizes, 1};
+constexpr PlaneCase kUpH2V2 = {"zoriSampleUpH2V2_JPEG_8u_C1R", &zoriSampleUpH2V2_JPEG_8u_C1R, &triangleOfPlane,
+                               &upH2V2Sizes};
 
 std::vector<OperandSpec> operandsOf(const PlaneCase& test, PlaneSizes sizes) {
   return {sourceImage<uint8_t>(sizes.src.width + 2 * test.border, sizes.src.height),

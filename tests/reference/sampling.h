@@ -60,10 +60,11 @@ struct ChromaSharing {
 // The sample in column x and row y of a plane, from pixels of three channels.
 inline int16_t mcuSampleDown(ChromaSharing sharing, const uint8_t* pixels, ptrdiff_t step, int plane, int x, int y) {
   const int columns = plane == 0 ? 1 : sharing.columns, rows = plane == 0 ? 1 : sharing.rows;
+  const ptrdiff_t top = ptrdiff_t{y} * rows, left = ptrdiff_t{x} * columns;
   int sum = columns * rows / 2;
   for (int row = 0; row < rows; ++row) {
     for (int column = 0; column < columns; ++column) {
-      sum += pixels[(y * rows + row) * step + 3 * (x * columns + column) + plane];
+      sum += pixels[(top + row) * step + 3 * (left + column) + plane];
     }
   }
   return static_cast<int16_t>(sum / (columns * rows) - 128);
