@@ -50,6 +50,7 @@ extern "C" {
  * @param pDst        destination plane
  * @param dstStep     bytes from one destination row to the next
  * @param dstRoiSize  samples of the destination, usually (srcRoiSize.width + 1) / 2 by srcRoiSize.height
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleDownH2V1_JPEG_8u_C1R(const uint8_t* pSrc, int32_t srcStep, RoiSize srcRoiSize,
                                                              uint8_t* pDst, int32_t dstStep, RoiSize dstRoiSize);
@@ -64,6 +65,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleDownH2V1_JPEG_8u_C1R(const uint8_t* pSrc
  * @param pDst        destination plane
  * @param dstStep     bytes from one destination row to the next
  * @param dstRoiSize  samples of the destination, usually (srcRoiSize.width + 1) / 2 by (srcRoiSize.height + 1) / 2
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleDownH2V2_JPEG_8u_C1R(const uint8_t* pSrc, int32_t srcStep, RoiSize srcRoiSize,
                                                              uint8_t* pDst, int32_t dstStep, RoiSize dstRoiSize);
@@ -81,6 +83,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleDownH2V2_JPEG_8u_C1R(const uint8_t* pSrc
  * @param pDst        destination plane
  * @param dstStep     bytes from one destination row to the next
  * @param dstRoiSize  samples of the destination
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleUpH2V1_JPEG_8u_C1R(const uint8_t* pSrc, int32_t srcStep, RoiSize srcRoiSize,
                                                            uint8_t* pDst, int32_t dstStep, RoiSize dstRoiSize);
@@ -96,6 +99,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleUpH2V1_JPEG_8u_C1R(const uint8_t* pSrc, 
  * @param pDst        destination plane
  * @param dstStep     bytes from one destination row to the next
  * @param dstRoiSize  samples of the destination, usually twice the source or one less
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleUpH2V2_JPEG_8u_C1R(const uint8_t* pSrc, int32_t srcStep, RoiSize srcRoiSize,
                                                            uint8_t* pDst, int32_t dstStep, RoiSize dstRoiSize);
@@ -115,6 +119,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleUpH2V2_JPEG_8u_C1R(const uint8_t* pSrc, 
  * @param pSrc      srcWidth samples
  * @param srcWidth  samples of the source row
  * @param pDst      receives (srcWidth + 1) / 2 samples
+ * @return StatusOk, StatusNullPointer or StatusBadSize
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleDownRowH2V1_Box_JPEG_8u_C1(const uint8_t* pSrc, int32_t srcWidth,
                                                                    uint8_t* pDst);
@@ -127,6 +132,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleDownRowH2V1_Box_JPEG_8u_C1(const uint8_t
  * @param pSrc2     row b, srcWidth samples; may be row a
  * @param srcWidth  samples of each source row
  * @param pDst      receives (srcWidth + 1) / 2 samples
+ * @return StatusOk, StatusNullPointer or StatusBadSize
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleDownRowH2V2_Box_JPEG_8u_C1(const uint8_t* pSrc1, const uint8_t* pSrc2,
                                                                    int32_t srcWidth, uint8_t* pDst);
@@ -138,6 +144,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleDownRowH2V2_Box_JPEG_8u_C1(const uint8_t
  * @param pSrc      srcWidth samples
  * @param srcWidth  samples of the source row
  * @param pDst      receives 2 * srcWidth samples
+ * @return StatusOk, StatusNullPointer or StatusBadSize
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleUpRowH2V1_Triangle_JPEG_8u_C1(const uint8_t* pSrc, int32_t srcWidth,
                                                                       uint8_t* pDst);
@@ -150,6 +157,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleUpRowH2V1_Triangle_JPEG_8u_C1(const uint
  * @param pSrcFar   the source row on its other side, srcWidth samples; may be the near row
  * @param srcWidth  samples of each source row
  * @param pDst      receives 2 * srcWidth samples
+ * @return StatusOk, StatusNullPointer or StatusBadSize
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleUpRowH2V2_Triangle_JPEG_8u_C1(const uint8_t* pSrcNear, const uint8_t* pSrcFar,
                                                                       int32_t srcWidth, uint8_t* pDst);
@@ -179,6 +187,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleUpRowH2V2_Triangle_JPEG_8u_C1(const uint
  * @param pSrc     first byte of the first pixel
  * @param srcStep  bytes from one row of pixels to the next
  * @param pDstMCU  planes of 256, 64 and 64 samples
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleDown411LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
@@ -190,6 +199,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleDown411LS_MCU_8u16s_C3P3R(const uint8_t*
  * @param pSrc     first byte of the first pixel
  * @param srcStep  bytes from one row of pixels to the next
  * @param pDstMCU  planes of 128, 64 and 64 samples
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleDown422LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
@@ -200,6 +210,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleDown422LS_MCU_8u16s_C3P3R(const uint8_t*
  * @param pSrc     first byte of the first pixel
  * @param srcStep  bytes from one row of pixels to the next
  * @param pDstMCU  planes of 64 samples each
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleDown444LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
@@ -211,6 +222,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleDown444LS_MCU_8u16s_C3P3R(const uint8_t*
  * @param pSrcMCU  planes of 256, 64 and 64 samples
  * @param pDst     first byte of the first pixel
  * @param dstStep  bytes from one row of pixels to the next
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleUp411LS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
                                                                 int32_t dstStep);
@@ -222,6 +234,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleUp411LS_MCU_16s8u_P3C3R(const int16_t* c
  * @param pSrcMCU  planes of 128, 64 and 64 samples
  * @param pDst     first byte of the first pixel
  * @param dstStep  bytes from one row of pixels to the next
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleUp422LS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
                                                                 int32_t dstStep);
@@ -232,6 +245,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriSampleUp422LS_MCU_16s8u_P3C3R(const int16_t* c
  * @param pSrcMCU  planes of 64 samples each
  * @param pDst     first byte of the first pixel
  * @param dstStep  bytes from one row of pixels to the next
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSampleUp444LS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
                                                                 int32_t dstStep);

@@ -104,8 +104,8 @@ struct OneRow {
   int odd(size_t i, size_t next) const { return (3 * src[i] + src[next] + 2) >> 2; }
 
 #if ZORJ_SIMD
-  // With [x] the rounding average: (3a + b + 1) >> 2 = floor((a + [(a + b) / 2]) / 2) and
-  // (3a + b + 2) >> 2 = [(a + floor((a + b) / 2)) / 2], and the floor is the rounding average of the complements.
+  // With up(a, b) = (a + b + 1) >> 1 and down(a, b) = (a + b) >> 1, the first being an instruction and the second its
+  // complement on complements: (3a + b + 1) >> 2 = down(a, up(a, b)) and (3a + b + 2) >> 2 = up(a, down(a, b)).
   HWY_INLINE void widen(size_t i, uint8_t* dst) const {
     const Bytes d;
     const auto current = hn::LoadU(d, src + i);
@@ -132,7 +132,7 @@ struct TwoRows {
   // Two outputs a word from (near, far) pairs of three neighbours.
   static HWY_INLINE ByteVector outputs(ByteVector previous, ByteVector current, ByteVector next) {
     const Words d;
-    // In the rounding average the 1 of (7 + 1) comes for nothing.
+    // The rounding average adds the 1 that the even outputs' bias of 8 is above the odd ones'.
     const auto centre = hn::Add(weighPairs<9, 3>(current), hn::Set(d, 7));
     const auto even = hn::ShiftRight<3>(hn::AverageRound(centre, weighPairs<3, 1>(previous)));
     const auto odd = hn::ShiftLeft<4>(hn::Add(centre, weighPairs<3, 1>(next)));
