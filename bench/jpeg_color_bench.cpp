@@ -27,8 +27,13 @@ void registerComparisons() {
   forward("zoriRGBToYCbCr444LS_MCU_8u16s_C3P3R", &zoriRGBToYCbCr444LS_MCU_8u16s_C3P3R);
   forward("zoriRGBToYCbCr422LS_MCU_8u16s_C3P3R", &zoriRGBToYCbCr422LS_MCU_8u16s_C3P3R);
   forward("zoriRGBToYCbCr411LS_MCU_8u16s_C3P3R", &zoriRGBToYCbCr411LS_MCU_8u16s_C3P3R);
+  forward("zoriBGRToYCbCr444LS_MCU_8u16s_C3P3R", &zoriBGRToYCbCr444LS_MCU_8u16s_C3P3R);
+  forward("zoriBGRToYCbCr422LS_MCU_8u16s_C3P3R", &zoriBGRToYCbCr422LS_MCU_8u16s_C3P3R);
+  forward("zoriBGRToYCbCr411LS_MCU_8u16s_C3P3R", &zoriBGRToYCbCr411LS_MCU_8u16s_C3P3R);
   inverse("zoriYCbCr444ToRGBLS_MCU_16s8u_P3C3R", &zoriYCbCr444ToRGBLS_MCU_16s8u_P3C3R);
   inverse("zoriYCbCr411ToRGBLS_MCU_16s8u_P3C3R", &zoriYCbCr411ToRGBLS_MCU_16s8u_P3C3R);
+  inverse("zoriYCbCr444ToBGRLS_MCU_16s8u_P3C3R", &zoriYCbCr444ToBGRLS_MCU_16s8u_P3C3R);
+  inverse("zoriYCbCr411ToBGRLS_MCU_16s8u_P3C3R", &zoriYCbCr411ToBGRLS_MCU_16s8u_P3C3R);
 }
 
 }  // namespace zorj::bench
