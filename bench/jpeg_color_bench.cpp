@@ -14,11 +14,11 @@ std::array<int16_t, 6 * 64> blocks;
 int16_t* const planes[3] = {&blocks[0], &blocks[256], &blocks[320]};
 
 void forward(const char* name, StatusCode(ZORJ_CALL* function)(const uint8_t*, int32_t, int16_t* const[3])) {
-  compare(name, 1, "blocks", atEveryLevel([=] { function(pixels.data(), kStep, planes); }));
+  compare(name, 1, "MCUs", atEveryLevel([=] { function(pixels.data(), kStep, planes); }));
 }
 
 void inverse(const char* name, StatusCode(ZORJ_CALL* function)(const int16_t* const[3], uint8_t*, int32_t)) {
-  compare(name, 1, "blocks", atEveryLevel([=] { function(planes, pixels.data(), kStep); }));
+  compare(name, 1, "MCUs", atEveryLevel([=] { function(planes, pixels.data(), kStep); }));
 }
 
 }  // namespace
