@@ -1,10 +1,12 @@
 // The block functions of the DCT at every instruction-set level, on blocks that stay in the nearest cache.
+#include <zorcore.h>
 #include <zorj.h>
 
 #include <array>
 #include <cstdint>
-#include <functional>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "support/compare.h"
 
@@ -46,19 +48,21 @@ struct Data {
 // Compares the levels on all blocks; block(i) does the one whose first sample is i.
 template <class Block>
 void compareLevels(const std::string& name, const Block& block) {
-  constexpr std::pair<Isa, const char*> kLevels[] = {{Isa::kAvx512, "AVX-512"},
-                                                     {Isa::kAvx2, "AVX2"},
-                                                     {Isa::kSse4, "SSE4"},
-                                                     {Isa::kSsse3, "SSSE3"},
-                                                     {Isa::kPortable, "portable"}};
-  std::vector<Variant> variants;
-  for (const auto& [isa, level] : kLevels) {
-    const auto run = [block] {
-      for (size_t i = 0; i < 64 * kBlocks; i += 64) block(i);
-    };
-    variants.push_back({level, run, isa});
-  }
-  compare(name, kBlocks, "blocks", std::move(variants));
+  compare(name, kBlocks, "blocks", atEveryLevel([block] {
+            for (size_t i = 0; i < 64 * kBlocks; i += 64) block(i);
+          }));
+}
+
+// Compares the levels, and a copy of as many bytes as are read and written, on an image in the second-level cache.
+template <class Shift>
+void compareLevelShift(const std::string& name, const Shift& shift) {
+  constexpr RoiSize kSize = {256, 256};
+  constexpr size_t kPixels = 256 * 256;
+  static std::vector<uint8_t> bytes(kPixels), copy(kPixels * 3 / 2), target(kPixels * 3 / 2);
+  static std::vector<int16_t> values(kPixels);
+  std::vector<Variant> variants = atEveryLevel([=] { shift(bytes.data(), values.data(), kSize); });
+  variants.push_back({"memcpy", [] { std::memcpy(target.data(), copy.data(), copy.size()); }});
+  compare(name, kPixels, "pixels", variants);
 }
 
 }  // namespace
@@ -98,6 +102,14 @@ void registerComparisons() {
                 [=](size_t i) { zoriDCTQuantInv8x8_JPEG_16s_C1(&d.coefficients[i], &d.result[i], inverse); });
   compareLevels("zoriDCTQuantInv8x8_JPEG_16s_C1I",
                 [=](size_t i) { zoriDCTQuantInv8x8_JPEG_16s_C1I(&d.result[i], inverse); });
+
+  zorSetNumThreads(1);
+  compareLevelShift("zoriSub128_JPEG_8u16s_C1R", [](const uint8_t* bytes, int16_t* values, RoiSize size) {
+    zoriSub128_JPEG_8u16s_C1R(bytes, size.width, values, 2 * size.width, size);
+  });
+  compareLevelShift("zoriAdd128_JPEG_16s8u_C1R", [](uint8_t* bytes, const int16_t* values, RoiSize size) {
+    zoriAdd128_JPEG_16s8u_C1R(values, 2 * size.width, bytes, size.width, size);
+  });
 }
 
 }  // namespace zorj::bench

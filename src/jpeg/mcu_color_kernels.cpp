@@ -236,19 +236,22 @@ HWY_INLINE void storeChroma(const WideRow& row, const Weights& weights, int16_t*
   hn::StoreU(hn::ReorderDemote2To(RowTag(), sums[0], sums[1]), RowTag(), dst);
 }
 
+// Writes the luminance of a line of the MCU; returns its pixels for the chroma.
+template <class Order>
+HWY_INLINE WideRow takeLine(const uint8_t* src, int32_t srcStep, int32_t line, int16_t* luma) {
+  const WideRow row = loadWideRow<Order>(rowAt(src, srcStep, line));
+  storeLuma(row, luma + 128 * (line / 8) + 8 * (line % 8));
+  return row;
+}
+
 template <class Order, class Sampling>
 void forwardShared(const uint8_t* src, int32_t srcStep, int16_t* const dst[3]) {
   constexpr int kPixels = Sampling::horizontal * Sampling::vertical;
   constexpr int kShift = kForwardShift + (kPixels == 2 ? 1 : 2);
   for (int32_t y = 0; y < 8; ++y) {
-    const auto loadLine = [&](int32_t line) HWY_ATTR {
-      const WideRow row = loadWideRow<Order>(rowAt(src, srcStep, line));
-      storeLuma(row, dst[0] + 128 * (line / 8) + 8 * (line % 8));
-      return row;
-    };
-    WideRow sums = loadLine(Sampling::vertical * y);
+    WideRow sums = takeLine<Order>(src, srcStep, Sampling::vertical * y, dst[0]);
     if constexpr (Sampling::vertical == 2) {
-      const WideRow below = loadLine(2 * y + 1);
+      const WideRow below = takeLine<Order>(src, srcStep, 2 * y + 1, dst[0]);
       for (size_t p = 0; p < kParts; ++p) sums.parts[p] = add(sums.parts[p], below.parts[p]);
     }
     storeChroma<kShift>(sums, chromaBlue(kPixels), dst[1] + 8 * y);
