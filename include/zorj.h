@@ -10,6 +10,7 @@
 #include "zorj/jpeg_dct.h"
 #include "zorj/jpeg_huffman.h"
 #include "zorj/jpeg_sampling.h"
+#include "zorj/texture.h"
 #include "zorj/types.h"
 
 #endif
