@@ -1,6 +1,8 @@
 // Images of 4 x 4 blocks: the checks and the walk over whole and partial blocks that all texture functions share.
 #pragma once
 
+#include <zorcore.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +18,15 @@ inline constexpr size_t kRgbaBytes = 4;
 
 // Decodes `count` blocks that lie side by side: block i gives columns 4i to 4i + 3 of four rows of RGBA pixels.
 using DecodeBlocks = void (*)(const uint8_t* blocks, size_t count, uint8_t* pixels, ptrdiff_t step);
+// The decoder of a block format.
+struct BlockDecoder {
+  size_t blockBytes;
+  DecodeBlocks cached;
+  // The same for pixels that are not read again soon: past the caches. Rows are aligned to 16 bytes.
+  DecodeBlocks streaming;
+};
+enum class Stores { cached, streaming };
+
 // Encodes `count` blocks that lie side by side, of columns 4i to 4i + 3 of four rows.
 using EncodeBlocks = void (*)(const uint8_t* pixels, ptrdiff_t step, size_t count, uint8_t* blocks);
 
@@ -41,26 +52,35 @@ struct BlockRow {
   size_t columns(size_t i) const { return std::min<size_t>(width - kBlockSide * i, kBlockSide); }
 };
 
-inline StatusCode decodeBlockImage(const uint8_t* blocks, size_t blockBytes, uint8_t* pixels, int32_t step,
-                                   RoiSize size, DecodeBlocks decode) {
+// Pixels that do not fit in any cache are written without being read first, which saves half the traffic.
+inline bool passesCaches(const uint8_t* pixels, int32_t step, RoiSize size) {
+  constexpr uintptr_t kAlignment = 16;
+  if ((reinterpret_cast<uintptr_t>(pixels) | static_cast<uintptr_t>(step)) % kAlignment != 0) return false;
+  int32_t cacheBytes = 0;
+  const uint64_t bytes = uint64_t{kRgbaBytes} * static_cast<uint64_t>(size.width) * static_cast<uint64_t>(size.height);
+  return zorGetMaxCacheSizeB(&cacheBytes) == 0 && bytes > static_cast<uint64_t>(cacheBytes);
+}
+
+inline StatusCode decodeBlockImage(const uint8_t* blocks, uint8_t* pixels, int32_t step, RoiSize size,
+                                   const BlockDecoder& decoder) {
   constexpr size_t kRowBytes = kBlockSide * kRgbaBytes;
   if (const StatusCode status = checkBlockImage(blocks, pixels, step, size); status != StatusOk) return status;
-  for (int32_t y = 0; y < size.height; y += kBlockSide) {
+  const DecodeBlocks decodeWhole = passesCaches(pixels, step, size) ? decoder.streaming : decoder.cached;
+  for (int32_t y = 0;; y += kBlockSide) {
     const BlockRow row(size, y);
     uint8_t* const top = rowAt(pixels, step, y);
-    decode(blocks, row.whole, top, step);
+    decodeWhole(blocks, row.whole, top, step);
     for (size_t i = row.whole; i < row.count; ++i) {
       uint8_t block[kBlockSide * kRowBytes];
-      decode(blocks + i * blockBytes, 1, block, kRowBytes);
+      decoder.cached(blocks + i * decoder.blockBytes, 1, block, kRowBytes);
       for (int32_t r = 0; r < row.rows; ++r) {
         std::memcpy(rowAt(top, step, r) + i * kRowBytes, block + static_cast<size_t>(r) * kRowBytes,
                     row.columns(i) * kRgbaBytes);
       }
     }
-    blocks += row.count * blockBytes;
-    if (size.height - y <= kBlockSide) break;  // y + 4 may not be a number of 32 bits
+    if (size.height - y <= kBlockSide) return StatusOk;
+    blocks += row.count * decoder.blockBytes;
   }
-  return StatusOk;
 }
 
 }  // namespace zorj

@@ -6,15 +6,15 @@ using namespace zorj;
 
 StatusCode ZORJ_CALL zoriTextureDecodeBlockToRGBA_DXT1_8u_C1C4R(const uint8_t* pSrc, uint8_t* pDst, int32_t dstStep,
                                                                 RoiSize roiSize) {
-  return decodeBlockImage(pSrc, 8, pDst, dstStep, roiSize, dxtDecodeKernels().dxt1);
+  return decodeBlockImage(pSrc, pDst, dstStep, roiSize, dxtDecodeKernels().dxt1);
 }
 
 StatusCode ZORJ_CALL zoriTextureDecodeBlockToRGBA_DXT3_8u_C1C4R(const uint8_t* pSrc, uint8_t* pDst, int32_t dstStep,
                                                                 RoiSize roiSize) {
-  return decodeBlockImage(pSrc, 16, pDst, dstStep, roiSize, dxtDecodeKernels().dxt3);
+  return decodeBlockImage(pSrc, pDst, dstStep, roiSize, dxtDecodeKernels().dxt3);
 }
 
 StatusCode ZORJ_CALL zoriTextureDecodeBlockToRGBA_DXT5_8u_C1C4R(const uint8_t* pSrc, uint8_t* pDst, int32_t dstStep,
                                                                 RoiSize roiSize) {
-  return decodeBlockImage(pSrc, 16, pDst, dstStep, roiSize, dxtDecodeKernels().dxt5);
+  return decodeBlockImage(pSrc, pDst, dstStep, roiSize, dxtDecodeKernels().dxt5);
 }

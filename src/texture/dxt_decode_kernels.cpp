@@ -1,5 +1,7 @@
 #include "texture/dxt_decode_kernels.h"
 
+#include <hwy/cache_control.h>
+
 #include <cstring>
 
 #include "core/isa.h"
@@ -246,27 +248,53 @@ struct Dxt5 {
   }
 };
 
+// Stores past the caches a row of 16 aligned bytes a lane.
+template <class V>
+HWY_INLINE void stream(V v, uint8_t* to) {
+  using D = hn::DFromV<V>;
+  if constexpr (hn::MaxLanes(D()) == 16) {
+    hn::Stream(v, D(), to);
+  } else {
+    const hn::Half<D> half;
+    stream(hn::LowerHalf(half, v), to);
+    stream(hn::UpperHalf(half, v), to + hn::MaxLanes(half));
+  }
+}
+
+template <Stores kStores, int kRow, class Format, class V>
+HWY_INLINE void storeRow(V palettes, V blocks, V alphas, uint8_t* pixels, ptrdiff_t step) {
+  const V row = Format::template withAlphaRow<kRow>(paletteRow<kRow>(palettes, blocks), alphas);
+  if constexpr (kStores == Stores::streaming) {
+    stream(row, pixels + kRow * step);
+  } else {
+    hn::StoreU(row, hn::DFromV<V>(), pixels + kRow * step);
+  }
+}
+
 // As many blocks as a vector of D has lanes.
-template <class Format, class D>
+template <class Format, Stores kStores, class D>
 HWY_INLINE void decodeVector(D d, const uint8_t* src, uint8_t* pixels, ptrdiff_t step) {
   const auto blocks = Format::load(d, src);
   const auto palettes = Format::palette(blocks);
   const auto alphas = Format::alphas(blocks);
-  hn::StoreU(Format::template withAlphaRow<0>(paletteRow<0>(palettes, blocks), alphas), d, pixels);
-  hn::StoreU(Format::template withAlphaRow<1>(paletteRow<1>(palettes, blocks), alphas), d, pixels + step);
-  hn::StoreU(Format::template withAlphaRow<2>(paletteRow<2>(palettes, blocks), alphas), d, pixels + 2 * step);
-  hn::StoreU(Format::template withAlphaRow<3>(paletteRow<3>(palettes, blocks), alphas), d, pixels + 3 * step);
+  storeRow<kStores, 0, Format>(palettes, blocks, alphas, pixels, step);
+  storeRow<kStores, 1, Format>(palettes, blocks, alphas, pixels, step);
+  storeRow<kStores, 2, Format>(palettes, blocks, alphas, pixels, step);
+  storeRow<kStores, 3, Format>(palettes, blocks, alphas, pixels, step);
 }
 
-template <class Format>
+template <class Format, Stores kStores>
 void decodeBlocks(const uint8_t* src, size_t count, uint8_t* pixels, ptrdiff_t step) {
   const hn::ScalableTag<uint8_t> d;
   constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<uint8_t>()) / 16;
   size_t i = 0;
-  for (; i + kLanes <= count; i += kLanes) decodeVector<Format>(d, src + i * Format::blockBytes, pixels + 16 * i, step);
-  for (; i < count; ++i) {
-    decodeVector<Format>(hn::FixedTag<uint8_t, 16>(), src + i * Format::blockBytes, pixels + 16 * i, step);
+  for (; i + kLanes <= count; i += kLanes) {
+    decodeVector<Format, kStores>(d, src + i * Format::blockBytes, pixels + 16 * i, step);
   }
+  for (; i < count; ++i) {
+    decodeVector<Format, kStores>(hn::FixedTag<uint8_t, 16>(), src + i * Format::blockBytes, pixels + 16 * i, step);
+  }
+  if constexpr (kStores == Stores::streaming) hwy::FlushStream();
 }
 
 #else
@@ -321,7 +349,7 @@ struct Dxt5 {
   uint64_t indices_ = 0;
 };
 
-template <class Format>
+template <class Format, Stores>
 void decodeBlocks(const uint8_t* src, size_t count, uint8_t* pixels, ptrdiff_t step) {
   for (size_t i = 0; i < count; ++i, src += Format::blockBytes, pixels += 16) {
     const Format alphas(src);
@@ -338,7 +366,12 @@ void decodeBlocks(const uint8_t* src, size_t count, uint8_t* pixels, ptrdiff_t s
 
 #endif
 
-constexpr DxtDecodeKernels kernels = {&decodeBlocks<Dxt1>, &decodeBlocks<Dxt3>, &decodeBlocks<Dxt5>};
+template <class Format>
+constexpr BlockDecoder decoder() {
+  return {Format::blockBytes, &decodeBlocks<Format, Stores::cached>, &decodeBlocks<Format, Stores::streaming>};
+}
+
+constexpr DxtDecodeKernels kernels = {decoder<Dxt1>(), decoder<Dxt3>(), decoder<Dxt5>()};
 
 }  // namespace
 }  // namespace zorj::HWY_NAMESPACE

@@ -7,9 +7,9 @@ namespace zorj {
 
 // The block formats and the formulas are those of the comments in zorj/texture.h.
 struct DxtDecodeKernels {
-  DecodeBlocks dxt1;
-  DecodeBlocks dxt3;
-  DecodeBlocks dxt5;
+  BlockDecoder dxt1;
+  BlockDecoder dxt3;
+  BlockDecoder dxt5;
 };
 
 const DxtDecodeKernels& dxtDecodeKernels();
