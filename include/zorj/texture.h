@@ -83,6 +83,86 @@ ZORJ_API StatusCode ZORJ_CALL zoriTextureDecodeBlockToRGBA_DXT5_8u_C1C4R(const u
                                                                          int32_t dstStep, RoiSize roiSize);
 /** @} */
 
+/**
+ * @name DXT encoding
+ * Fast encoding in one pass. The colours of a block are the corners of the box of its pixels' colours, moved inwards:
+ * with the least and the largest value of a channel and inset = (max - min) >> 4, high = max - inset and low = min +
+ * inset. The high corner is c0, the low one c1, cut to 16 bits. Indices are chosen among the colours e0 and e1, those
+ * 16 bits with their high bits repeated in the low ones, e2 = (2 e0 + e1) / 3 and e3 = (e0 + 2 e1) / 3, by the sums d0
+ * to d3 of the absolute differences in red, green and blue:
+ *
+ *     lower bit of the index = d2 > d3 and d0 > d3
+ *     upper bit = (d1 > d2 and d0 > d2) or (d0 > d3 and d1 > d3)
+ *
+ * which is the nearest colour, nearly always. (The decoders of this library do not repeat the high bits: their pictures
+ * are a little darker.)
+ *
+ * A DXT5 alpha block has the box a0 = high, a1 = low of the alphas. With bias = (a0 - a1) / 14, seven thresholds
+ * ((7 - k) a1 + k a0) / 7 + bias for k = 0 to 6, divisions truncating, part the alphas among a1 (at or below all of
+ * them), the six values between, and a0 (above all).
+ * @{
+ */
+
+/**
+ * Encodes DXT1 of RGBA pixels; alpha is ignored. c0 >= c1 always, so that no pixel means another than one of the four
+ * colours; where c0 = c1 every index is 0.
+ *
+ * @param pSrc     first pixel of the source
+ * @param srcStep  bytes from one source row to the next, not 0
+ * @param roiSize  pixels of the source
+ * @param pDst     the blocks, 8 bytes each
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriTextureEncodeBlockFromRGBA_DXT1_8u_C4C1R(const uint8_t* pSrc, int32_t srcStep,
+                                                                           RoiSize roiSize, uint8_t* pDst);
+
+/**
+ * Encodes DXT3 of RGBA pixels; alpha is cut to its upper 4 bits.
+ *
+ * @param pSrc     first pixel of the source
+ * @param srcStep  bytes from one source row to the next, not 0
+ * @param roiSize  pixels of the source
+ * @param pDst     the blocks, 16 bytes each
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriTextureEncodeBlockFromRGBA_DXT3_8u_C4C1R(const uint8_t* pSrc, int32_t srcStep,
+                                                                           RoiSize roiSize, uint8_t* pDst);
+
+/**
+ * Encodes DXT5 of RGBA pixels.
+ *
+ * @param pSrc     first pixel of the source
+ * @param srcStep  bytes from one source row to the next, not 0
+ * @param roiSize  pixels of the source
+ * @param pDst     the blocks, 16 bytes each
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriTextureEncodeBlockFromRGBA_DXT5_8u_C4C1R(const uint8_t* pSrc, int32_t srcStep,
+                                                                           RoiSize roiSize, uint8_t* pDst);
+
+/**
+ * Encodes pixels of three bytes Y, Co, Cg, chroma offset by 128, as DXT5 blocks with Y in the alphas: better colour
+ * than DXT5 of RGBA, for a decoder that knows (J. M. P. van Waveren and I. Castano, Real-Time YCoCg-DXT Compression,
+ * 2007).
+ *
+ * With m the largest of |Co - 128| and |Cg - 128| in the block, the scale s is 4 for m up to 31, 2 for m up to 63,
+ * else 1. The colours encoded are red (Co - 128) s + 128, green (Cg - 128) s + 128, blue 8 (s - 1). Where red and green
+ * run in opposite directions (the sum over the block of their products, each counted from the middle (min + max + 1) >>
+ * 1 of its box, is negative), c0 and c1 exchange their greens.
+ *
+ * Decoded as DXT5 to R, G, B, A, a pixel is s = 1 + (B >> 3), Co = (R - 128) / s, Cg = (G - 128) / s, Y = A, and from
+ * that red Y + Co - Cg, green Y + Cg, blue Y - Co - Cg, clamped to 0 to 255.
+ *
+ * @param pSrc     first pixel of the source
+ * @param srcStep  bytes from one source row to the next, not 0
+ * @param roiSize  pixels of the source
+ * @param pDst     the blocks, 16 bytes each
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriTextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(const uint8_t* pSrc, int32_t srcStep,
+                                                                            RoiSize roiSize, uint8_t* pDst);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -83,4 +83,30 @@ inline StatusCode decodeBlockImage(const uint8_t* blocks, uint8_t* pixels, int32
   }
 }
 
+template <size_t kPixelBytes>
+StatusCode encodeBlockImage(const uint8_t* pixels, int32_t step, RoiSize size, uint8_t* blocks, size_t blockBytes,
+                            EncodeBlocks encode) {
+  constexpr size_t kRowBytes = kBlockSide * kPixelBytes;
+  if (const StatusCode status = checkBlockImage(pixels, blocks, step, size); status != StatusOk) return status;
+  for (int32_t y = 0;; y += kBlockSide) {
+    const BlockRow row(size, y);
+    const uint8_t* const top = rowAt(pixels, step, y);
+    encode(top, step, row.whole, blocks);
+    for (size_t i = row.whole; i < row.count; ++i) {
+      // Repeats the last pixel of every row and the last row.
+      uint8_t block[kBlockSide * kRowBytes];
+      for (size_t r = 0; r < kBlockSide; ++r) {
+        const uint8_t* const from = rowAt(top, step, std::min(static_cast<int32_t>(r), row.rows - 1)) + i * kRowBytes;
+        for (size_t c = 0; c < kBlockSide; ++c) {
+          std::memcpy(block + r * kRowBytes + c * kPixelBytes, from + std::min(c, row.columns(i) - 1) * kPixelBytes,
+                      kPixelBytes);
+        }
+      }
+      encode(block, kRowBytes, 1, blocks + i * blockBytes);
+    }
+    if (size.height - y <= kBlockSide) return StatusOk;
+    blocks += row.count * blockBytes;
+  }
+}
+
 }  // namespace zorj

@@ -1,0 +1,526 @@
+#include "texture/dxt_encode_kernels.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "core/isa.h"
+#include "core/unaligned.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "texture/dxt_encode_kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "core/simd-inl.h"
+#include "texture/dxt_lanes-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zorj::HWY_NAMESPACE {
+namespace {
+
+#if ZORJ_SIMD
+
+inline constexpr uint8_t kNone = 0x80;  // gives a zero byte in TableLookupBytesOr0
+
+template <class V>
+HWY_INLINE V shuffle(V bytes, const uint8_t (&select)[16]) {
+  return hn::TableLookupBytesOr0(bytes, everyLane(hn::DFromV<V>(), select));
+}
+
+// Byte kByte of every lane, all over the lane.
+template <int kByte, class V>
+HWY_INLINE V broadcast(V bytes) {
+  return hn::TableLookupBytes(bytes, hn::Set(hn::DFromV<V>(), uint8_t{kByte}));
+}
+
+// A block a lane: the channels of its sixteen pixels, and the least and the largest value of each channel in the first
+// bytes of the four double words.
+template <class V>
+struct Blocks {
+  V red, green, blue, alpha;
+  V least, largest;
+};
+
+// Of rows whose lanes hold four values of each channel, channel by channel.
+template <class V>
+HWY_INLINE Blocks<V> gatherChannels(V row0, V row1, V row2, V row3) {
+  const DwordsOf<V> d32;
+  const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
+  const auto spread = [&](V v, auto op) HWY_ATTR {
+    v = op(v, asBytes(hn::ShiftRight<16>(asDwords(v))));
+    return op(v, asBytes(hn::ShiftRight<8>(asDwords(v))));
+  };
+  const auto min = [](V a, V b) HWY_ATTR { return hn::Min(a, b); };
+  const auto max = [](V a, V b) HWY_ATTR { return hn::Max(a, b); };
+  const auto low01 = hn::BitCast(d64, hn::InterleaveLower(d32, asDwords(row0), asDwords(row1)));
+  const auto low23 = hn::BitCast(d64, hn::InterleaveLower(d32, asDwords(row2), asDwords(row3)));
+  const auto high01 = hn::BitCast(d64, hn::InterleaveUpper(d32, asDwords(row0), asDwords(row1)));
+  const auto high23 = hn::BitCast(d64, hn::InterleaveUpper(d32, asDwords(row2), asDwords(row3)));
+  return {asBytes(hn::InterleaveLower(d64, low01, low23)),    asBytes(hn::InterleaveUpper(d64, low01, low23)),
+          asBytes(hn::InterleaveLower(d64, high01, high23)),  asBytes(hn::InterleaveUpper(d64, high01, high23)),
+          spread(min(min(row0, row1), min(row2, row3)), min), spread(max(max(row0, row1), max(row2, row3)), max)};
+}
+
+struct RgbaPixels {
+  static constexpr size_t pixelBytes = 4;
+
+  template <class D>
+  static HWY_INLINE Blocks<hn::Vec<D>> load(D d, const uint8_t* pixels, ptrdiff_t step) {
+    alignas(16) static constexpr uint8_t kChannels[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+    const auto row = [&](int y) HWY_ATTR { return shuffle(hn::LoadU(d, pixels + y * step), kChannels); };
+    return gatherChannels(row(0), row(1), row(2), row(3));
+  }
+};
+
+// Y, Co, Cg as alpha, red and green.
+struct YCoCgPixels {
+  static constexpr size_t pixelBytes = 3;
+
+  template <class D>
+  static HWY_INLINE Blocks<hn::Vec<D>> load(D d, const uint8_t* pixels, ptrdiff_t step) {
+    alignas(16) static constexpr uint8_t kChannels[16] = {1,     4,     7,     10,    2, 5, 8, 11,
+                                                          kNone, kNone, kNone, kNone, 0, 3, 6, 9};
+    const auto row = [&](int y) HWY_ATTR { return shuffle(loadRow(d, pixels + y * step), kChannels); };
+    return gatherChannels(row(0), row(1), row(2), row(3));
+  }
+
+ private:
+  // Four pixels a lane; nothing is read beyond them.
+  template <class D>
+  static HWY_INLINE hn::Vec<D> loadRow(D d, const uint8_t* row) {
+    if constexpr (hn::MaxLanes(D()) == 16) {
+      const hn::FixedTag<uint8_t, 8> d8;
+      return hn::Combine(d, hn::ZeroExtendVector(d8, hn::LoadU(hn::FixedTag<uint8_t, 4>(), row + 8)),
+                         hn::LoadU(d8, row));
+    } else {
+      const hn::Half<D> half;
+      return hn::Combine(d, loadRow(half, row + 12 * (hn::MaxLanes(half) / 16)), loadRow(half, row));
+    }
+  }
+};
+
+// RGBA words of the high corner of the box, then of the low one.
+template <class V>
+HWY_INLINE auto boxCorners(V least, V largest) {
+  alignas(16) static constexpr uint8_t kHigh[16] = {0,     kNone, 4,     kNone, 8,     kNone, 12,    kNone,
+                                                    kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone};
+  alignas(16) static constexpr uint8_t kLow[16] = {kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone,
+                                                   0,     kNone, 4,     kNone, 8,     kNone, 12,    kNone};
+  const auto range = hn::ShiftRight<4>(asWords(hn::Sub(largest, least)));
+  const auto inset = hn::And(asBytes(range), hn::Set(hn::DFromV<V>(), uint8_t{0x0F}));
+  return asWords(
+      hn::Or(shuffle(hn::SaturatedSub(largest, inset), kHigh), shuffle(hn::SaturatedAdd(least, inset), kLow)));
+}
+
+// c0 and c1 of the RGBA words with no more than the 5, 6 and 5 high bits, and the packed indices.
+template <class W, class V>
+HWY_INLINE V assembleColourBlock(W ends, V indices) {
+  alignas(16) static constexpr uint16_t kPosition[8] = {1 << 11, 1 << 6, 1, 0, 1 << 11, 1 << 6, 1, 0};
+  alignas(16) static constexpr uint8_t kColours[16] = {kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone,
+                                                       0,     1,     8,     9,     kNone, kNone, kNone, kNone};
+  alignas(16) static constexpr uint8_t kIndices[16] = {kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone,
+                                                       kNone, kNone, kNone, kNone, 0,     4,     8,     12};
+  const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
+  const auto redGreen = hn::BitCast(d64, addWordProducts(ends, everyLane(WordsOf<V>(), kPosition)));
+  const auto colours = hn::ShiftRight<3>(hn::Add(redGreen, hn::ShiftRight<32>(redGreen)));
+  const auto pairs = addByteProducts(indices, asBytes(hn::Set(WordsOf<V>(), 1 | 4 << 8)));
+  const auto rows = addWordProducts(pairs, asWords(hn::Set(DwordsOf<V>(), 1 | 16 << 16)));
+  return hn::Or(shuffle(asBytes(colours), kColours), shuffle(asBytes(rows), kIndices));
+}
+
+// The colour block in the upper half of each lane. `corners` are those that are encoded; where greens are exchanged,
+// `flip` has all bits of the lane set.
+//
+// From e1 over e3 and e2 to e0 no channel decreases (where greens are exchanged: once they are counted from 255 down).
+// So the part of a channel x that lies between two neighbours of these is min(x, upper) - min(x, lower), and the
+// difference of two d, where x passes from one side to the other, is the length of that stretch less twice the part
+// below x. Their sums over the channels fit in bytes: with the inset, a stretch is at most 80 long.
+template <class V, class W>
+HWY_INLINE V encodeColours(const Blocks<V>& blocks, W corners, V flip) {
+  alignas(16) static constexpr uint16_t kKept[8] = {0xF8, 0xFC, 0xF8, 0, 0xF8, 0xFC, 0xF8, 0};
+  alignas(16) static constexpr uint16_t kRepeat[8] = {1 << 11, 1 << 10, 1 << 11, 0, 1 << 11, 1 << 10, 1 << 11, 0};
+  alignas(16) static constexpr uint8_t kRgb[16] = {1, 1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 0};
+  alignas(16) static constexpr uint8_t kFrom[16] = {0,  1,  8,     9,     0,     1,     8,     9,
+                                                    12, 13, kNone, kNone, kNone, kNone, kNone, kNone};
+  alignas(16) static constexpr uint8_t kTo[16] = {8, 9, 12,    13,    12,    13,    4,     5,
+                                                  4, 5, kNone, kNone, kNone, kNone, kNone, kNone};
+  alignas(16) static constexpr uint16_t kRound[8] = {1, 1, 1, 0, 0};
+  const BytesOf<V> d8;
+  const WordsOf<V> d16;
+  const DwordsOf<V> d32;
+  const auto kept = hn::And(corners, everyLane(d16, kKept));
+  const auto ends = hn::Or(kept, hn::MulHigh(kept, everyLane(d16, kRepeat)));
+  const auto palette = hn::Xor(packWords(ends, colourThirds(ends)), hn::And(flip, asBytes(hn::Set(d32, 0x0000FF00))));
+  const V green = hn::Xor(blocks.green, flip);
+
+  // Sums over the channels of min(x, e0) and so on, modulo 256.
+  const V below0 = hn::Add(hn::Add(hn::Min(blocks.red, broadcast<0>(palette)), hn::Min(green, broadcast<1>(palette))),
+                           hn::Min(blocks.blue, broadcast<2>(palette)));
+  const V below1 = hn::Add(hn::Add(hn::Min(blocks.red, broadcast<4>(palette)), hn::Min(green, broadcast<5>(palette))),
+                           hn::Min(blocks.blue, broadcast<6>(palette)));
+  const V below2 = hn::Add(hn::Add(hn::Min(blocks.red, broadcast<8>(palette)), hn::Min(green, broadcast<9>(palette))),
+                           hn::Min(blocks.blue, broadcast<10>(palette)));
+  const V below3 = hn::Add(hn::Add(hn::Min(blocks.red, broadcast<12>(palette)), hn::Min(green, broadcast<13>(palette))),
+                           hn::Min(blocks.blue, broadcast<14>(palette)));
+  const V part13 = hn::Sub(below3, below1), part32 = hn::Sub(below2, below3), part20 = hn::Sub(below0, below2);
+  const V part12 = hn::SaturatedAdd(part13, part32), part30 = hn::SaturatedAdd(part32, part20);
+
+  // Half the lengths e2 to e0, e3 to e2, e3 to e0, rounded up, and e1 to e2, e1 to e3, rounded down, in words.
+  const auto sums = asBytes(addWordProducts(addByteProducts(palette, everyLane(d8, kRgb)), hn::Set(d16, 1)));
+  const auto lengths = hn::Sub(asWords(shuffle(sums, kFrom)), asWords(shuffle(sums, kTo)));
+  const V half = asBytes(hn::ShiftRight<1>(hn::Add(lengths, everyLane(d16, kRound))));
+
+  const auto atLeast = [](V part, V limit) HWY_ATTR { return hn::Eq(hn::Max(part, limit), part); };
+  const auto atMost = [](V part, V limit) HWY_ATTR { return hn::Eq(hn::Max(part, limit), limit); };
+  const auto not0Above2 = atLeast(part20, broadcast<0>(half));  // d0 <= d2
+  const auto not2Above3 = atLeast(part32, broadcast<2>(half));
+  const auto not0Above3 = atLeast(part30, broadcast<4>(half));
+  const auto not1Above2 = atMost(part12, broadcast<6>(half));
+  const auto not1Above3 = atMost(part13, broadcast<8>(half));
+  const V lower = hn::IfThenZeroElse(hn::Or(not2Above3, not0Above3), hn::Set(d8, uint8_t{1}));
+  const V upper = hn::IfThenZeroElse(hn::And(hn::Or(not1Above2, not0Above2), hn::Or(not0Above3, not1Above3)),
+                                     hn::Set(d8, uint8_t{2}));
+  return assembleColourBlock(kept, hn::Or(lower, upper));
+}
+
+// The DXT3 alpha block in the lower half of each lane.
+template <class V>
+HWY_INLINE V encodeExplicitAlphas(V alphas) {
+  alignas(16) static constexpr uint8_t kLowBytes[16] = {0,     2,     4,     6,     8,     10,    12,    14,
+                                                        kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone};
+  const V nibbles = hn::And(asBytes(hn::ShiftRight<4>(asWords(alphas))), hn::Set(BytesOf<V>(), uint8_t{0x0F}));
+  return shuffle(asBytes(addByteProducts(nibbles, asBytes(hn::Set(WordsOf<V>(), 1 | 16 << 8)))), kLowBytes);
+}
+
+// The DXT5 alpha block in the lower half of each lane.
+template <class V, class W>
+HWY_INLINE V encodeInterpolatedAlphas(V alphas, W corners) {
+  alignas(16) static constexpr uint8_t kEnds[16] = {6, 14, 6, 14, 6, 14, 6, 14, 6, 14, 6, 14, 6, 14, 6, 14};
+  alignas(16) static constexpr uint8_t kWeights[16] = {0, 7, 1, 6, 2, 5, 3, 4, 4, 3, 5, 2, 6, 1, 0, 0};
+  // By the number of thresholds an alpha does not exceed.
+  alignas(16) static constexpr uint8_t kIndex[16] = {0, 2, 3, 4, 5, 6, 7, 1};
+  alignas(16) static constexpr uint8_t kFirst[16] = {0,     1,     kNone, kNone, kNone, kNone, kNone, kNone,
+                                                     kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone};
+  alignas(16) static constexpr uint8_t kPacked[16] = {kNone, kNone, 0,     1,     2,     8,     9,     10,
+                                                      kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone};
+  constexpr uint16_t kSeventh = 9363, kFourteenth = 4682;  // of 65536, rounded up: exact for the sums here
+  constexpr uint16_t kDifference = 0xFF << 8 | 1;          // weights 1 and -1
+  const BytesOf<V> d8;
+  const WordsOf<V> d16;
+  const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
+  const V ends = shuffle(asBytes(corners), kEnds);
+  const auto bias = hn::MulHigh(addByteProducts(ends, asBytes(hn::Set(d16, kDifference))), hn::Set(d16, kFourteenth));
+  const auto sevenths = hn::MulHigh(addByteProducts(ends, everyLane(d8, kWeights)), hn::Set(d16, kSeventh));
+  const V thresholds = asBytes(hn::Add(sevenths, bias));
+  const auto count = [&](V counted, V threshold) HWY_ATTR {
+    return hn::Sub(counted, hn::VecFromMask(d8, hn::Eq(hn::Min(alphas, threshold), alphas)));
+  };
+  V counted = count(hn::Zero(d8), broadcast<0>(thresholds));
+  counted = count(counted, broadcast<2>(thresholds));
+  counted = count(counted, broadcast<4>(thresholds));
+  counted = count(counted, broadcast<6>(thresholds));
+  counted = count(counted, broadcast<8>(thresholds));
+  counted = count(counted, broadcast<10>(thresholds));
+  counted = count(counted, broadcast<12>(thresholds));
+  const V indices = hn::TableLookupBytes(everyLane(d8, kIndex), counted);
+  const auto pairs = addByteProducts(indices, asBytes(hn::Set(d16, 1 | 8 << 8)));
+  const auto rows = hn::BitCast(d64, addWordProducts(pairs, asWords(hn::Set(DwordsOf<V>(), 1 | 64 << 16))));
+  const auto twoRows = asBytes(hn::Or(rows, hn::ShiftRight<20>(rows)));
+  return hn::Or(shuffle(ends, kFirst), shuffle(twoRows, kPacked));
+}
+
+// The sign of the sum over each lane of products of red and green, counted from the middle of their boxes: all bits of
+// the lane are set where it is negative.
+template <class V>
+HWY_INLINE V negativeCovariance(V red, V green, V middle) {
+  const hn::Repartition<int16_t, hn::DFromV<V>> d16;
+  const hn::Repartition<int32_t, hn::DFromV<V>> d32;
+  const auto zero = hn::Zero(hn::DFromV<V>());
+  red = hn::Sub(red, broadcast<0>(middle));
+  green = hn::Sub(green, broadcast<4>(middle));
+  const auto lower = [&](V v) HWY_ATTR { return hn::ShiftRight<8>(hn::BitCast(d16, hn::InterleaveLower(zero, v))); };
+  const auto upper = [&](V v) HWY_ATTR {
+    return hn::ShiftRight<8>(hn::BitCast(d16, hn::InterleaveUpper(hn::DFromV<V>(), zero, v)));
+  };
+  auto sums = hn::BitCast(d32, hn::Add(addWordProducts(asWords(lower(red)), asWords(lower(green))),
+                                       addWordProducts(asWords(upper(red)), asWords(upper(green)))));
+  sums = hn::Add(sums, hn::Shuffle1032(sums));
+  sums = hn::Add(sums, hn::Shuffle2301(sums));
+  return asBytes(hn::ShiftRight<31>(sums));
+}
+
+struct Dxt1 {
+  using Pixels = RgbaPixels;
+  static constexpr size_t blockBytes = 8;
+
+  template <class V>
+  static HWY_INLINE V encode(const Blocks<V>& blocks) {
+    return encodeColours(blocks, boxCorners(blocks.least, blocks.largest), hn::Zero(BytesOf<V>()));
+  }
+};
+
+struct Dxt3 {
+  using Pixels = RgbaPixels;
+  static constexpr size_t blockBytes = 16;
+
+  template <class V>
+  static HWY_INLINE V encode(const Blocks<V>& blocks) {
+    return hn::Or(encodeExplicitAlphas(blocks.alpha), Dxt1::encode(blocks));
+  }
+};
+
+struct Dxt5 {
+  using Pixels = RgbaPixels;
+  static constexpr size_t blockBytes = 16;
+
+  template <class V>
+  static HWY_INLINE V encode(const Blocks<V>& blocks) {
+    const auto corners = boxCorners(blocks.least, blocks.largest);
+    return hn::Or(encodeInterpolatedAlphas(blocks.alpha, corners),
+                  encodeColours(blocks, corners, hn::Zero(BytesOf<V>())));
+  }
+};
+
+struct Dxt5YCoCg {
+  using Pixels = YCoCgPixels;
+  static constexpr size_t blockBytes = 16;
+
+  template <class V>
+  static HWY_INLINE V encode(Blocks<V> blocks) {
+    const hn::DFromV<V> d8;
+    const hn::RebindToSigned<hn::DFromV<V>> i8;
+    const DwordsOf<V> d32;
+    const WordsOf<V> d16;
+    const V middle = hn::Set(d8, uint8_t{128});
+    const auto magnitude = [&](V v) HWY_ATTR { return hn::BitCast(d8, hn::Abs(hn::BitCast(i8, hn::Xor(v, middle)))); };
+    const V magnitudes = hn::Max(magnitude(blocks.least), magnitude(blocks.largest));
+    const V m = hn::Max(broadcast<0>(magnitudes), broadcast<4>(magnitudes));
+    const auto upTo = [&](uint8_t limit)
+                          HWY_ATTR { return hn::VecFromMask(d8, hn::Eq(hn::Min(m, hn::Set(d8, limit)), m)); };
+    const V doubled = upTo(63), redoubled = upTo(31);
+    const auto scale = [&](V v, V where) HWY_ATTR {
+      v = hn::Xor(v, middle);
+      v = hn::Add(v, hn::And(v, hn::And(doubled, where)));
+      v = hn::Add(v, hn::And(v, hn::And(redoubled, where)));
+      return hn::Xor(v, middle);
+    };
+    const V everywhere = hn::Set(d8, uint8_t{0xFF});
+    alignas(16) static constexpr uint32_t kChroma[4] = {~0u, ~0u, 0, 0};
+    const V chroma = asBytes(everyLane(d32, kChroma));
+    blocks.red = scale(blocks.red, everywhere);
+    blocks.green = scale(blocks.green, everywhere);
+    blocks.least = scale(blocks.least, chroma);
+    blocks.largest = scale(blocks.largest, chroma);
+    const V flip = negativeCovariance(blocks.red, blocks.green, hn::AverageRound(blocks.least, blocks.largest));
+
+    // Blue is the same in all pixels and colours: it makes no difference to the indices and is 0 there.
+    alignas(16) static constexpr uint16_t kGreens[8] = {0, 0xFF, 0, 0, 0, 0xFF, 0, 0};
+    alignas(16) static constexpr uint16_t kDoubledBlue[8] = {0, 0, 8, 0, 0, 0, 8, 0};
+    alignas(16) static constexpr uint16_t kRedoubledBlue[8] = {0, 0, 16, 0, 0, 0, 16, 0};
+    auto corners = boxCorners(blocks.least, blocks.largest);
+    const auto alphaBlock = encodeInterpolatedAlphas(blocks.alpha, corners);
+    const auto greens =
+        hn::And(hn::And(hn::Xor(corners, exchangeHalves(corners)), asWords(flip)), everyLane(d16, kGreens));
+    const auto blues = hn::Or(hn::And(asWords(doubled), everyLane(d16, kDoubledBlue)),
+                              hn::And(asWords(redoubled), everyLane(d16, kRedoubledBlue)));
+    corners = hn::Or(hn::Xor(corners, greens), blues);
+    return hn::Or(alphaBlock, encodeColours(blocks, corners, flip));
+  }
+};
+
+// As many blocks as a vector of D has lanes.
+template <class Format, class D>
+HWY_INLINE void encodeVector(D d, const uint8_t* pixels, ptrdiff_t step, uint8_t* dst) {
+  const auto blocks = Format::encode(Format::Pixels::load(d, pixels, step));
+  if constexpr (Format::blockBytes == 16) {
+    hn::StoreU(blocks, d, dst);
+  } else if constexpr (hn::MaxLanes(D()) == 16) {
+    hn::StoreU(hn::UpperHalf(hn::Half<D>(), blocks), hn::Half<D>(), dst);
+  } else {
+    alignas(64) static constexpr uint32_t kUpperHalves[16] = {2, 3, 6, 7, 10, 11, 14, 15};
+    const DwordsOf<decltype(blocks)> d32;
+    const auto indices = hn::SetTableIndices(d32, kUpperHalves);
+    const hn::Half<D> half;
+    hn::StoreU(hn::LowerHalf(half, asBytes(hn::TableLookupLanes(asDwords(blocks), indices))), half, dst);
+  }
+}
+
+template <class Format>
+void encodeBlocks(const uint8_t* pixels, ptrdiff_t step, size_t count, uint8_t* dst) {
+  constexpr size_t kBlockRow = 4 * Format::Pixels::pixelBytes;
+  const hn::ScalableTag<uint8_t> d;
+  constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<uint8_t>()) / 16;
+  size_t i = 0;
+  for (; i + kLanes <= count; i += kLanes) {
+    encodeVector<Format>(d, pixels + i * kBlockRow, step, dst + i * Format::blockBytes);
+  }
+  for (; i < count; ++i) {
+    encodeVector<Format>(hn::FixedTag<uint8_t, 16>(), pixels + i * kBlockRow, step, dst + i * Format::blockBytes);
+  }
+}
+
+#else
+
+// The sixteen pixels of a block.
+using Pixels = uint8_t[16][4];
+
+// The box of a channel, moved inwards.
+struct Box {
+  int low = 255, high = 0;
+
+  Box(const Pixels& pixels, int channel) {
+    for (const auto& pixel : pixels) {
+      low = std::min<int>(low, pixel[channel]);
+      high = std::max<int>(high, pixel[channel]);
+    }
+    const int inset = (high - low) >> 4;
+    low += inset;
+    high -= inset;
+  }
+};
+
+// The colours c0 and c1, in eight bits a channel.
+struct Ends {
+  int colours[2][3];
+
+  explicit Ends(const Pixels& pixels) {
+    for (int channel = 0; channel < 3; ++channel) {
+      const Box box(pixels, channel);
+      colours[0][channel] = box.high;
+      colours[1][channel] = box.low;
+    }
+  }
+};
+
+void encodeColours(const Pixels& pixels, const Ends& ends, uint8_t* dst) {
+  int palette[4][3];
+  for (int channel = 0; channel < 3; ++channel) {
+    const int bits = channel == 1 ? 6 : 5;
+    for (int i = 0; i < 2; ++i) {
+      const int kept = ends.colours[i][channel] >> (8 - bits) << (8 - bits);
+      palette[i][channel] = kept | kept >> bits;
+    }
+    palette[2][channel] = (2 * palette[0][channel] + palette[1][channel]) / 3;
+    palette[3][channel] = (palette[0][channel] + 2 * palette[1][channel]) / 3;
+  }
+  for (int i = 0; i < 2; ++i) {
+    const int* const colour = ends.colours[i];
+    const int packed = (colour[0] & 0xF8) << 8 | (colour[1] & 0xFC) << 3 | colour[2] >> 3;
+    storeUnaligned(reinterpret_cast<uint16_t*>(dst + 2 * i), static_cast<uint16_t>(packed));
+  }
+  uint32_t indices = 0;
+  for (int pixel = 15; pixel >= 0; --pixel) {
+    int d[4] = {};
+    for (int i = 0; i < 4; ++i) {
+      for (int channel = 0; channel < 3; ++channel) d[i] += std::abs(pixels[pixel][channel] - palette[i][channel]);
+    }
+    const bool lower = d[2] > d[3] && d[0] > d[3];
+    const bool upper = (d[1] > d[2] && d[0] > d[2]) || (d[0] > d[3] && d[1] > d[3]);
+    indices = indices << 2 | static_cast<uint32_t>(2 * upper + lower);
+  }
+  storeUnaligned(reinterpret_cast<uint32_t*>(dst + 4), indices);
+}
+
+void encodeInterpolatedAlphas(const Pixels& pixels, uint8_t* dst) {
+  const Box box(pixels, 3);
+  const int bias = (box.high - box.low) / 14;
+  uint64_t indices = 0;
+  for (int pixel = 15; pixel >= 0; --pixel) {
+    int count = 0;
+    for (int k = 0; k < 7; ++k) count += pixels[pixel][3] <= ((7 - k) * box.low + k * box.high) / 7 + bias;
+    constexpr uint8_t kIndex[8] = {0, 2, 3, 4, 5, 6, 7, 1};
+    indices = indices << 3 | kIndex[count];
+  }
+  dst[0] = static_cast<uint8_t>(box.high);
+  dst[1] = static_cast<uint8_t>(box.low);
+  for (int i = 0; i < 6; ++i) dst[2 + i] = static_cast<uint8_t>(indices >> 8 * i);
+}
+
+struct RgbaBlock {
+  static constexpr size_t pixelBytes = 4;
+  static void load(const uint8_t* from, uint8_t (&pixel)[4]) { std::memcpy(pixel, from, 4); }
+};
+
+struct Dxt1 : RgbaBlock {
+  static constexpr size_t blockBytes = 8;
+  static void encode(const Pixels& pixels, uint8_t* dst) { encodeColours(pixels, Ends(pixels), dst); }
+};
+
+struct Dxt3 : RgbaBlock {
+  static constexpr size_t blockBytes = 16;
+  static void encode(const Pixels& pixels, uint8_t* dst) {
+    for (int i = 0; i < 8; ++i) dst[i] = static_cast<uint8_t>(pixels[2 * i][3] >> 4 | (pixels[2 * i + 1][3] & 0xF0));
+    encodeColours(pixels, Ends(pixels), dst + 8);
+  }
+};
+
+struct Dxt5 : RgbaBlock {
+  static constexpr size_t blockBytes = 16;
+  static void encode(const Pixels& pixels, uint8_t* dst) {
+    encodeInterpolatedAlphas(pixels, dst);
+    encodeColours(pixels, Ends(pixels), dst + 8);
+  }
+};
+
+struct Dxt5YCoCg {
+  static constexpr size_t pixelBytes = 3, blockBytes = 16;
+
+  static void load(const uint8_t* from, uint8_t (&pixel)[4]) {
+    pixel[0] = from[1];
+    pixel[1] = from[2];
+    pixel[3] = from[0];
+  }
+
+  static void encode(Pixels& pixels, uint8_t* dst) {
+    int largest = 0;
+    for (const auto& pixel : pixels) largest = std::max({largest, std::abs(pixel[0] - 128), std::abs(pixel[1] - 128)});
+    const int scale = largest <= 31 ? 4 : largest <= 63 ? 2 : 1;
+    int least[2] = {255, 255}, most[2] = {0, 0};
+    for (auto& pixel : pixels) {
+      for (int i = 0; i < 2; ++i) {
+        pixel[i] = static_cast<uint8_t>((pixel[i] - 128) * scale + 128);
+        least[i] = std::min<int>(least[i], pixel[i]);
+        most[i] = std::max<int>(most[i], pixel[i]);
+      }
+      pixel[2] = static_cast<uint8_t>(8 * (scale - 1));
+    }
+    int covariance = 0;
+    for (const auto& pixel : pixels) {
+      covariance += (pixel[0] - ((least[0] + most[0] + 1) >> 1)) * (pixel[1] - ((least[1] + most[1] + 1) >> 1));
+    }
+    Ends ends(pixels);
+    if (covariance < 0) std::swap(ends.colours[0][1], ends.colours[1][1]);
+    encodeInterpolatedAlphas(pixels, dst);
+    encodeColours(pixels, ends, dst + 8);
+  }
+};
+
+template <class Format>
+void encodeBlocks(const uint8_t* src, ptrdiff_t step, size_t count, uint8_t* dst) {
+  for (; count > 0; --count, src += 4 * Format::pixelBytes, dst += Format::blockBytes) {
+    Pixels pixels;
+    for (size_t i = 0; i < 16; ++i) {
+      Format::load(src + static_cast<ptrdiff_t>(i / 4) * step + i % 4 * Format::pixelBytes, pixels[i]);
+    }
+    Format::encode(pixels, dst);
+  }
+}
+
+#endif
+
+constexpr DxtEncodeKernels kernels = {&encodeBlocks<Dxt1>, &encodeBlocks<Dxt3>, &encodeBlocks<Dxt5>,
+                                      &encodeBlocks<Dxt5YCoCg>};
+
+}  // namespace
+}  // namespace zorj::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zorj {
+
+static constexpr PerIsa<const DxtEncodeKernels> perIsa{ZORJ_PER_ISA(kernels)};
+
+const DxtEncodeKernels& dxtEncodeKernels() { return *perIsa; }
+
+}  // namespace zorj
+#endif
