@@ -72,10 +72,110 @@ void compareDecode(const Format& format) {
   }
 }
 
+// ---- Encoding a photograph
+
+using EncodeBlock = void (*)(uint8_t* block, const uint8_t* pixels);
+
+// Pixels of a photograph, whole blocks of it, as rows and as blocks one after the other.
+struct Photograph {
+  RoiSize size;
+  Bytes rows;
+  Bytes blocks;
+
+  Photograph() {
+    const examples::Image image = examples::readImage(ZORJ_PHOTOGRAPH);
+    size = {image.width & ~3, image.height & ~3};
+    for (int32_t y = 0; y < size.height; ++y) {
+      for (int32_t x = 0; x < size.width; ++x) {
+        const uint8_t* const pixel = image.at(x, y);
+        // An alpha with some structure.
+        rows.insert(rows.end(), {pixel[0], pixel[1], pixel[2], static_cast<uint8_t>((pixel[0] + 3 * pixel[1]) / 4)});
+      }
+    }
+    for (size_t i = 0; i < rows.size(); i += 16) {
+      const size_t block = i / 64, row = i / 16 % 4, across = static_cast<size_t>(size.width) / 4;
+      const uint8_t* const from = &rows[((block / across * 4 + row) * across + block % across) * 16];
+      blocks.insert(blocks.end(), from, from + 16);
+    }
+  }
+  double pixelCount() const { return static_cast<double>(rows.size()) / 4; }
+};
+
+double psnr(const Bytes& a, const Bytes& b, size_t channels) {
+  double sum = 0;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (i % 4 < channels) sum += (a[i] - b[i]) * (a[i] - b[i]);
+  }
+  return 10 * std::log10(255.0 * 255 * static_cast<double>(a.size() / 4 * channels) / sum);
+}
+
+// Of the photograph and what libsquish decodes of the blocks.
+std::string quality(const Photograph& photograph, const Bytes& encoded, const Format& format) {
+  Bytes decoded(photograph.blocks.size());
+  for (size_t i = 0; i < decoded.size() / 64; ++i) {
+    squish::Decompress(&decoded[64 * i], &encoded[format.blockBytes * i], format.squishFlags);
+  }
+  char text[20];
+  std::snprintf(text, sizeof text, "%.2f dB", psnr(photograph.blocks, decoded, format.blockBytes == 8 ? 3 : 4));
+  return text;
+}
+
+void compareEncode(const std::shared_ptr<Photograph>& photograph, const Format& format,
+                   StatusCode(ZORJ_CALL* encode)(const uint8_t*, int32_t, RoiSize, uint8_t*), bool withStb) {
+  const auto encoded = std::make_shared<Bytes>(photograph->blocks.size() / 64 * format.blockBytes);
+  const auto run = [=] {
+    encode(photograph->rows.data(), 4 * photograph->size.width, photograph->size, encoded->data());
+  };
+  const auto peer = [=](const EncodeBlock encodeBlock) {
+    return [=] {
+      for (size_t i = 0; i < photograph->blocks.size() / 64; ++i) {
+        encodeBlock(&(*encoded)[format.blockBytes * i], &photograph->blocks[64 * i]);
+      }
+    };
+  };
+  const bool alpha = format.blockBytes == 16;
+  const auto stb = peer(alpha ? EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
+    stb_compress_dxt_block(block, pixels, 1, STB_DXT_NORMAL);
+  }}
+                              : EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
+                                  stb_compress_dxt_block(block, pixels, 0, STB_DXT_NORMAL);
+                                }});
+  static constexpr auto kFlags = squish::kColourRangeFit;
+  const auto rangeFit =
+      peer(format.squishFlags == squish::kDxt1   ? EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
+        squish::Compress(pixels, block, squish::kDxt1 | kFlags);
+      }}
+           : format.squishFlags == squish::kDxt3 ? EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
+               squish::Compress(pixels, block, squish::kDxt3 | kFlags);
+             }}
+                                                 : EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
+                                                     squish::Compress(pixels, block, squish::kDxt5 | kFlags);
+                                                   }});
+  run();
+  std::string row = std::string(format.name) + " encode (" + quality(*photograph, *encoded, format);
+  std::vector<Variant> variants = {{"AVX2", run, Isa::kAvx2},
+                                   {"AVX-512", run, Isa::kAvx512},
+                                   {"SSE4", run, Isa::kSse4},
+                                   {"portable", run, Isa::kPortable},
+                                   {"libsquish range fit", rangeFit}};
+  if (withStb) {
+    stb();
+    row += ", stb_dxt " + quality(*photograph, *encoded, format);
+    variants.push_back({"stb_dxt", stb});
+  }
+  rangeFit();
+  row += ", libsquish " + quality(*photograph, *encoded, format) + ")";
+  compare(row, photograph->pixelCount(), "pixels", variants);
+}
+
 }  // namespace
 
 void registerComparisons() {
   for (const Format& format : {kDxt1, kDxt3, kDxt5}) compareDecode(format);
+  const auto photograph = std::make_shared<Photograph>();
+  compareEncode(photograph, kDxt1, &zoriTextureEncodeBlockFromRGBA_DXT1_8u_C4C1R, true);
+  compareEncode(photograph, kDxt3, &zoriTextureEncodeBlockFromRGBA_DXT3_8u_C4C1R, false);
+  compareEncode(photograph, kDxt5, &zoriTextureEncodeBlockFromRGBA_DXT5_8u_C4C1R, true);
 }
 
 }  // namespace zorj::bench

@@ -5,6 +5,7 @@
 
 #include "core/isa.h"
 #include "core/unaligned.h"
+#include "texture/dxt_tables.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "texture/dxt_encode_kernels.cpp"
@@ -30,20 +31,20 @@ HWY_INLINE V shuffle(V bytes, const uint8_t (&select)[16]) {
 // Byte kByte of every lane, all over the lane.
 template <int kByte, class V>
 HWY_INLINE V broadcast(V bytes) {
-  return hn::TableLookupBytes(bytes, hn::Set(hn::DFromV<V>(), uint8_t{kByte}));
+  return hn::TableLookupBytes(bytes, everyLane(hn::DFromV<V>(), kBroadcastByte[kByte]));
 }
 
 // A block a lane: the channels of its sixteen pixels, and the least and the largest value of each channel in the first
 // bytes of the four double words.
 template <class V>
-struct Blocks {
+struct Channels {
   V red, green, blue, alpha;
   V least, largest;
 };
 
 // Of rows whose lanes hold four values of each channel, channel by channel.
 template <class V>
-HWY_INLINE Blocks<V> gatherChannels(V row0, V row1, V row2, V row3) {
+HWY_INLINE Channels<V> gatherChannels(V row0, V row1, V row2, V row3) {
   const DwordsOf<V> d32;
   const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
   const auto spread = [&](V v, auto op) HWY_ATTR {
@@ -65,7 +66,7 @@ struct RgbaPixels {
   static constexpr size_t pixelBytes = 4;
 
   template <class D>
-  static HWY_INLINE Blocks<hn::Vec<D>> load(D d, const uint8_t* pixels, ptrdiff_t step) {
+  static HWY_INLINE Channels<hn::Vec<D>> load(D d, const uint8_t* pixels, ptrdiff_t step) {
     alignas(16) static constexpr uint8_t kChannels[16] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
     const auto row = [&](int y) HWY_ATTR { return shuffle(hn::LoadU(d, pixels + y * step), kChannels); };
     return gatherChannels(row(0), row(1), row(2), row(3));
@@ -77,7 +78,7 @@ struct YCoCgPixels {
   static constexpr size_t pixelBytes = 3;
 
   template <class D>
-  static HWY_INLINE Blocks<hn::Vec<D>> load(D d, const uint8_t* pixels, ptrdiff_t step) {
+  static HWY_INLINE Channels<hn::Vec<D>> load(D d, const uint8_t* pixels, ptrdiff_t step) {
     alignas(16) static constexpr uint8_t kChannels[16] = {1,     4,     7,     10,    2, 5, 8, 11,
                                                           kNone, kNone, kNone, kNone, 0, 3, 6, 9};
     const auto row = [&](int y) HWY_ATTR { return shuffle(loadRow(d, pixels + y * step), kChannels); };
@@ -112,31 +113,45 @@ HWY_INLINE auto boxCorners(V least, V largest) {
       hn::Or(shuffle(hn::SaturatedSub(largest, inset), kHigh), shuffle(hn::SaturatedAdd(least, inset), kLow)));
 }
 
-// c0 and c1 of the RGBA words with no more than the 5, 6 and 5 high bits, and the packed indices.
-template <class W, class V>
-HWY_INLINE V assembleColourBlock(W ends, V indices) {
+// c0 and c1 of a colour block in the upper half of each lane, of the RGBA words with no more than the 5, 6 and 5 high
+// bits.
+template <class V, class W>
+HWY_INLINE V packEnds(W ends) {
   alignas(16) static constexpr uint16_t kPosition[8] = {1 << 11, 1 << 6, 1, 0, 1 << 11, 1 << 6, 1, 0};
   alignas(16) static constexpr uint8_t kColours[16] = {kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone,
                                                        0,     1,     8,     9,     kNone, kNone, kNone, kNone};
-  alignas(16) static constexpr uint8_t kIndices[16] = {kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone,
-                                                       kNone, kNone, kNone, kNone, 0,     4,     8,     12};
   const hn::Repartition<uint64_t, hn::DFromV<V>> d64;
   const auto redGreen = hn::BitCast(d64, addWordProducts(ends, everyLane(WordsOf<V>(), kPosition)));
   const auto colours = hn::ShiftRight<3>(hn::Add(redGreen, hn::ShiftRight<32>(redGreen)));
-  const auto pairs = addByteProducts(indices, asBytes(hn::Set(WordsOf<V>(), 1 | 4 << 8)));
-  const auto rows = addWordProducts(pairs, asWords(hn::Set(DwordsOf<V>(), 1 | 16 << 16)));
-  return hn::Or(shuffle(asBytes(colours), kColours), shuffle(asBytes(rows), kIndices));
+  return shuffle(asBytes(colours), kColours);
 }
 
-// The colour block in the upper half of each lane. `corners` are those that are encoded; where greens are exchanged,
-// `flip` has all bits of the lane set.
-//
-// From e1 over e3 and e2 to e0 no channel decreases (where greens are exchanged: once they are counted from 255 down).
-// So the part of a channel x that lies between two neighbours of these is min(x, upper) - min(x, lower), and the
-// difference of two d, where x passes from one side to the other, is the length of that stretch less twice the part
-// below x. Their sums over the channels fit in bytes: with the inset, a stretch is at most 80 long.
+// The indices of a colour block in the upper half of each lane, of a byte a pixel.
+template <class V>
+HWY_INLINE V packIndices(V indices) {
+  alignas(16) static constexpr uint8_t kIndices[16] = {kNone, kNone, kNone, kNone, kNone, kNone, kNone, kNone,
+                                                       kNone, kNone, kNone, kNone, 0,     4,     8,     12};
+  const auto pairs = addByteProducts(indices, asBytes(hn::Set(WordsOf<V>(), 1 | 4 << 8)));
+  const auto rows = addWordProducts(pairs, asWords(hn::Set(DwordsOf<V>(), 1 | 16 << 16)));
+  return shuffle(asBytes(rows), kIndices);
+}
+
+// Blocks whose colours are chosen and whose colour indices are not: the blocks without these, the channels of the
+// pixels, the four colours, and half the distances between those (the first five words: e2 to e0, e3 to e2 and e3 to e0
+// rounded up, e1 to e2 and e1 to e3 rounded down). Greens are counted from 255 down where c0 and c1 have exchanged
+// theirs.
+template <class V>
+struct ColouredBlocks {
+  V blocks;
+  V red, green, blue;
+  V palette;
+  V half;
+};
+
+// `corners` are the colours to be encoded, `blocks` the rest of the blocks; where greens are exchanged, `flip` has all
+// bits of the lane set.
 template <class V, class W>
-HWY_INLINE V encodeColours(const Blocks<V>& blocks, W corners, V flip) {
+HWY_INLINE ColouredBlocks<V> chooseColours(const Channels<V>& channels, W corners, V flip, V blocks) {
   alignas(16) static constexpr uint16_t kKept[8] = {0xF8, 0xFC, 0xF8, 0, 0xF8, 0xFC, 0xF8, 0};
   alignas(16) static constexpr uint16_t kRepeat[8] = {1 << 11, 1 << 10, 1 << 11, 0, 1 << 11, 1 << 10, 1 << 11, 0};
   alignas(16) static constexpr uint8_t kRgb[16] = {1, 1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 0};
@@ -145,42 +160,49 @@ HWY_INLINE V encodeColours(const Blocks<V>& blocks, W corners, V flip) {
   alignas(16) static constexpr uint8_t kTo[16] = {8, 9, 12,    13,    12,    13,    4,     5,
                                                   4, 5, kNone, kNone, kNone, kNone, kNone, kNone};
   alignas(16) static constexpr uint16_t kRound[8] = {1, 1, 1, 0, 0};
-  const BytesOf<V> d8;
   const WordsOf<V> d16;
-  const DwordsOf<V> d32;
   const auto kept = hn::And(corners, everyLane(d16, kKept));
   const auto ends = hn::Or(kept, hn::MulHigh(kept, everyLane(d16, kRepeat)));
-  const auto palette = hn::Xor(packWords(ends, colourThirds(ends)), hn::And(flip, asBytes(hn::Set(d32, 0x0000FF00))));
-  const V green = hn::Xor(blocks.green, flip);
-
-  // Sums over the channels of min(x, e0) and so on, modulo 256.
-  const V below0 = hn::Add(hn::Add(hn::Min(blocks.red, broadcast<0>(palette)), hn::Min(green, broadcast<1>(palette))),
-                           hn::Min(blocks.blue, broadcast<2>(palette)));
-  const V below1 = hn::Add(hn::Add(hn::Min(blocks.red, broadcast<4>(palette)), hn::Min(green, broadcast<5>(palette))),
-                           hn::Min(blocks.blue, broadcast<6>(palette)));
-  const V below2 = hn::Add(hn::Add(hn::Min(blocks.red, broadcast<8>(palette)), hn::Min(green, broadcast<9>(palette))),
-                           hn::Min(blocks.blue, broadcast<10>(palette)));
-  const V below3 = hn::Add(hn::Add(hn::Min(blocks.red, broadcast<12>(palette)), hn::Min(green, broadcast<13>(palette))),
-                           hn::Min(blocks.blue, broadcast<14>(palette)));
-  const V part13 = hn::Sub(below3, below1), part32 = hn::Sub(below2, below3), part20 = hn::Sub(below0, below2);
-  const V part12 = hn::SaturatedAdd(part13, part32), part30 = hn::SaturatedAdd(part32, part20);
-
-  // Half the lengths e2 to e0, e3 to e2, e3 to e0, rounded up, and e1 to e2, e1 to e3, rounded down, in words.
-  const auto sums = asBytes(addWordProducts(addByteProducts(palette, everyLane(d8, kRgb)), hn::Set(d16, 1)));
+  const V greens = asBytes(hn::Set(DwordsOf<V>(), 0x0000FF00));
+  const V palette = hn::Xor(packWords(ends, colourThirds(ends)), hn::And(flip, greens));
+  const auto sums = asBytes(addWordProducts(addByteProducts(palette, everyLane(BytesOf<V>(), kRgb)), hn::Set(d16, 1)));
   const auto lengths = hn::Sub(asWords(shuffle(sums, kFrom)), asWords(shuffle(sums, kTo)));
-  const V half = asBytes(hn::ShiftRight<1>(hn::Add(lengths, everyLane(d16, kRound))));
+  return {hn::Or(blocks, packEnds<V>(kept)),
+          channels.red,
+          hn::Xor(channels.green, flip),
+          channels.blue,
+          palette,
+          asBytes(hn::ShiftRight<1>(hn::Add(lengths, everyLane(d16, kRound))))};
+}
 
-  const auto atLeast = [](V part, V limit) HWY_ATTR { return hn::Eq(hn::Max(part, limit), part); };
-  const auto atMost = [](V part, V limit) HWY_ATTR { return hn::Eq(hn::Max(part, limit), limit); };
-  const auto not0Above2 = atLeast(part20, broadcast<0>(half));  // d0 <= d2
-  const auto not2Above3 = atLeast(part32, broadcast<2>(half));
-  const auto not0Above3 = atLeast(part30, broadcast<4>(half));
-  const auto not1Above2 = atMost(part12, broadcast<6>(half));
-  const auto not1Above3 = atMost(part13, broadcast<8>(half));
-  const V lower = hn::IfThenZeroElse(hn::Or(not2Above3, not0Above3), hn::Set(d8, uint8_t{1}));
-  const V upper = hn::IfThenZeroElse(hn::And(hn::Or(not1Above2, not0Above2), hn::Or(not0Above3, not1Above3)),
-                                     hn::Set(d8, uint8_t{2}));
-  return assembleColourBlock(kept, hn::Or(lower, upper));
+// The sums over the channels of min(x, e) modulo 256, for colour kColour of the palettes.
+template <int kColour, class V>
+HWY_INLINE V sumBelow(const ColouredBlocks<V>& b) {
+  return hn::Add(hn::Add(hn::Min(b.red, broadcast<4 * kColour>(b.palette)),
+                         hn::Min(b.green, broadcast<4 * kColour + 1>(b.palette))),
+                 hn::Min(b.blue, broadcast<4 * kColour + 2>(b.palette)));
+}
+
+// The blocks with their colour indices. From e1 over e3 and e2 to e0 no channel decreases, so the part of a channel x
+// that lies between two neighbours of these is min(x, upper) - min(x, lower), and the difference of two d, where x
+// passes from one side to the other, is the length of that stretch less twice the part below x. The sums of such parts
+// over the channels fit in bytes: thanks to the inset, a stretch is at most 80 long.
+template <class V>
+HWY_INLINE V withIndices(const ColouredBlocks<V>& b) {
+  const V below3 = sumBelow<3>(b), below2 = sumBelow<2>(b);
+  const V part13 = hn::Sub(below3, sumBelow<1>(b)), part32 = hn::Sub(below2, below3),
+          part20 = hn::Sub(sumBelow<0>(b), below2);
+  const V part12 = hn::SaturatedAdd(part13, part32), part30 = hn::SaturatedAdd(part32, part20);
+  // Each is not 0 where the one distance is above the other.
+  const V d0Above2 = hn::SaturatedSub(broadcast<0>(b.half), part20);
+  const V d2Above3 = hn::SaturatedSub(broadcast<2>(b.half), part32);
+  const V d0Above3 = hn::SaturatedSub(broadcast<4>(b.half), part30);
+  const V d1Above2 = hn::SaturatedSub(part12, broadcast<6>(b.half));
+  const V d1Above3 = hn::SaturatedSub(part13, broadcast<8>(b.half));
+  const V one = hn::Set(BytesOf<V>(), uint8_t{1});
+  const V lower = hn::Min(hn::Min(d2Above3, d0Above3), one);
+  const V upper = hn::Min(hn::Or(hn::Min(d1Above2, d0Above2), hn::Min(d0Above3, d1Above3)), one);
+  return hn::Or(b.blocks, packIndices(hn::Add(lower, hn::Add(upper, upper))));
 }
 
 // The DXT3 alpha block in the lower half of each lane.
@@ -254,8 +276,9 @@ struct Dxt1 {
   static constexpr size_t blockBytes = 8;
 
   template <class V>
-  static HWY_INLINE V encode(const Blocks<V>& blocks) {
-    return encodeColours(blocks, boxCorners(blocks.least, blocks.largest), hn::Zero(BytesOf<V>()));
+  static HWY_INLINE ColouredBlocks<V> colour(const Channels<V>& channels) {
+    const V none = hn::Zero(BytesOf<V>());
+    return chooseColours(channels, boxCorners(channels.least, channels.largest), none, none);
   }
 };
 
@@ -264,8 +287,9 @@ struct Dxt3 {
   static constexpr size_t blockBytes = 16;
 
   template <class V>
-  static HWY_INLINE V encode(const Blocks<V>& blocks) {
-    return hn::Or(encodeExplicitAlphas(blocks.alpha), Dxt1::encode(blocks));
+  static HWY_INLINE ColouredBlocks<V> colour(const Channels<V>& channels) {
+    return chooseColours(channels, boxCorners(channels.least, channels.largest), hn::Zero(BytesOf<V>()),
+                         encodeExplicitAlphas(channels.alpha));
   }
 };
 
@@ -274,10 +298,9 @@ struct Dxt5 {
   static constexpr size_t blockBytes = 16;
 
   template <class V>
-  static HWY_INLINE V encode(const Blocks<V>& blocks) {
-    const auto corners = boxCorners(blocks.least, blocks.largest);
-    return hn::Or(encodeInterpolatedAlphas(blocks.alpha, corners),
-                  encodeColours(blocks, corners, hn::Zero(BytesOf<V>())));
+  static HWY_INLINE ColouredBlocks<V> colour(const Channels<V>& channels) {
+    const auto corners = boxCorners(channels.least, channels.largest);
+    return chooseColours(channels, corners, hn::Zero(BytesOf<V>()), encodeInterpolatedAlphas(channels.alpha, corners));
   }
 };
 
@@ -286,14 +309,14 @@ struct Dxt5YCoCg {
   static constexpr size_t blockBytes = 16;
 
   template <class V>
-  static HWY_INLINE V encode(Blocks<V> blocks) {
+  static HWY_INLINE ColouredBlocks<V> colour(Channels<V> channels) {
     const hn::DFromV<V> d8;
     const hn::RebindToSigned<hn::DFromV<V>> i8;
     const DwordsOf<V> d32;
     const WordsOf<V> d16;
     const V middle = hn::Set(d8, uint8_t{128});
     const auto magnitude = [&](V v) HWY_ATTR { return hn::BitCast(d8, hn::Abs(hn::BitCast(i8, hn::Xor(v, middle)))); };
-    const V magnitudes = hn::Max(magnitude(blocks.least), magnitude(blocks.largest));
+    const V magnitudes = hn::Max(magnitude(channels.least), magnitude(channels.largest));
     const V m = hn::Max(broadcast<0>(magnitudes), broadcast<4>(magnitudes));
     const auto upTo = [&](uint8_t limit)
                           HWY_ATTR { return hn::VecFromMask(d8, hn::Eq(hn::Min(m, hn::Set(d8, limit)), m)); };
@@ -307,56 +330,66 @@ struct Dxt5YCoCg {
     const V everywhere = hn::Set(d8, uint8_t{0xFF});
     alignas(16) static constexpr uint32_t kChroma[4] = {~0u, ~0u, 0, 0};
     const V chroma = asBytes(everyLane(d32, kChroma));
-    blocks.red = scale(blocks.red, everywhere);
-    blocks.green = scale(blocks.green, everywhere);
-    blocks.least = scale(blocks.least, chroma);
-    blocks.largest = scale(blocks.largest, chroma);
-    const V flip = negativeCovariance(blocks.red, blocks.green, hn::AverageRound(blocks.least, blocks.largest));
+    channels.red = scale(channels.red, everywhere);
+    channels.green = scale(channels.green, everywhere);
+    channels.least = scale(channels.least, chroma);
+    channels.largest = scale(channels.largest, chroma);
+    const V flip = negativeCovariance(channels.red, channels.green, hn::AverageRound(channels.least, channels.largest));
 
     // Blue is the same in all pixels and colours: it makes no difference to the indices and is 0 there.
     alignas(16) static constexpr uint16_t kGreens[8] = {0, 0xFF, 0, 0, 0, 0xFF, 0, 0};
     alignas(16) static constexpr uint16_t kDoubledBlue[8] = {0, 0, 8, 0, 0, 0, 8, 0};
     alignas(16) static constexpr uint16_t kRedoubledBlue[8] = {0, 0, 16, 0, 0, 0, 16, 0};
-    auto corners = boxCorners(blocks.least, blocks.largest);
-    const auto alphaBlock = encodeInterpolatedAlphas(blocks.alpha, corners);
+    auto corners = boxCorners(channels.least, channels.largest);
+    const V alphas = encodeInterpolatedAlphas(channels.alpha, corners);
     const auto greens =
         hn::And(hn::And(hn::Xor(corners, exchangeHalves(corners)), asWords(flip)), everyLane(d16, kGreens));
     const auto blues = hn::Or(hn::And(asWords(doubled), everyLane(d16, kDoubledBlue)),
                               hn::And(asWords(redoubled), everyLane(d16, kRedoubledBlue)));
     corners = hn::Or(hn::Xor(corners, greens), blues);
-    return hn::Or(alphaBlock, encodeColours(blocks, corners, flip));
+    return chooseColours(channels, corners, flip, alphas);
   }
 };
 
 // As many blocks as a vector of D has lanes.
-template <class Format, class D>
-HWY_INLINE void encodeVector(D d, const uint8_t* pixels, ptrdiff_t step, uint8_t* dst) {
-  const auto blocks = Format::encode(Format::Pixels::load(d, pixels, step));
+template <class Format, class V>
+HWY_INLINE void store(V blocks, uint8_t* dst) {
+  using D = hn::DFromV<V>;
+  const hn::Half<D> half;
   if constexpr (Format::blockBytes == 16) {
-    hn::StoreU(blocks, d, dst);
+    hn::StoreU(blocks, D(), dst);
   } else if constexpr (hn::MaxLanes(D()) == 16) {
-    hn::StoreU(hn::UpperHalf(hn::Half<D>(), blocks), hn::Half<D>(), dst);
+    hn::StoreU(hn::UpperHalf(half, blocks), half, dst);
   } else {
     alignas(64) static constexpr uint32_t kUpperHalves[16] = {2, 3, 6, 7, 10, 11, 14, 15};
-    const DwordsOf<decltype(blocks)> d32;
-    const auto indices = hn::SetTableIndices(d32, kUpperHalves);
-    const hn::Half<D> half;
+    const auto indices = hn::SetTableIndices(DwordsOf<V>(), kUpperHalves);
     hn::StoreU(hn::LowerHalf(half, asBytes(hn::TableLookupLanes(asDwords(blocks), indices))), half, dst);
   }
 }
 
+// Encodes from block i on while whole vectors of D are left; returns where it ends. Colours are chosen for a group of
+// vectors before their indices: either is a long chain of operations, of which the processor overlaps only those of
+// neighbouring vectors.
+template <class Format, class D>
+HWY_INLINE size_t encodeVectors(D d, size_t i, const uint8_t* pixels, ptrdiff_t step, size_t count, uint8_t* dst) {
+  constexpr size_t kLanes = hn::MaxLanes(D()) / 16, kGroup = 8, kBlockRow = 4 * Format::Pixels::pixelBytes;
+  while (count - i >= kLanes) {
+    ColouredBlocks<hn::Vec<D>> group[kGroup];
+    const size_t vectors = std::min((count - i) / kLanes, kGroup);
+    for (size_t k = 0; k < vectors; ++k) {
+      group[k] = Format::colour(Format::Pixels::load(d, pixels + (i + k * kLanes) * kBlockRow, step));
+    }
+    for (size_t k = 0; k < vectors; ++k, i += kLanes) {
+      store<Format>(withIndices(group[k]), dst + i * Format::blockBytes);
+    }
+  }
+  return i;
+}
+
 template <class Format>
 void encodeBlocks(const uint8_t* pixels, ptrdiff_t step, size_t count, uint8_t* dst) {
-  constexpr size_t kBlockRow = 4 * Format::Pixels::pixelBytes;
-  const hn::ScalableTag<uint8_t> d;
-  constexpr size_t kLanes = hn::MaxLanes(hn::ScalableTag<uint8_t>()) / 16;
-  size_t i = 0;
-  for (; i + kLanes <= count; i += kLanes) {
-    encodeVector<Format>(d, pixels + i * kBlockRow, step, dst + i * Format::blockBytes);
-  }
-  for (; i < count; ++i) {
-    encodeVector<Format>(hn::FixedTag<uint8_t, 16>(), pixels + i * kBlockRow, step, dst + i * Format::blockBytes);
-  }
+  const size_t done = encodeVectors<Format>(hn::ScalableTag<uint8_t>(), 0, pixels, step, count, dst);
+  encodeVectors<Format>(hn::FixedTag<uint8_t, 16>(), done, pixels, step, count, dst);
 }
 
 #else
