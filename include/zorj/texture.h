@@ -163,6 +163,25 @@ ZORJ_API StatusCode ZORJ_CALL zoriTextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(cons
                                                                             RoiSize roiSize, uint8_t* pDst);
 /** @} */
 
+/**
+ * @name BC7 decoding
+ * @{
+ */
+
+/**
+ * Decodes BC7 (BPTC, unsigned normalised): all eight modes, bit for bit as the Khronos Data Format Specification and
+ * Direct3D 11 define them. A block without a mode, whose first byte is 0, gives pixels of zero bytes, alpha too.
+ *
+ * @param pSrc     the blocks, 16 bytes each
+ * @param pDst     first pixel of the destination
+ * @param dstStep  bytes from one destination row to the next, not 0
+ * @param roiSize  pixels of the destination
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriTextureDecodeBlockToRGBA_BC7_8u_C1C4R(const uint8_t* pSrc, uint8_t* pDst,
+                                                                        int32_t dstStep, RoiSize roiSize);
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -5,8 +5,10 @@
 #include <array>
 #include <vector>
 
+#include "reference/bc7.h"
 #include "reference/dxt.h"
 #include "support/arguments.h"
+#include "support/isa_levels.h"
 #include "support/rows.h"
 
 namespace zorj::test {
@@ -28,6 +30,7 @@ constexpr DecodeCase kCases[] = {
      &reference::dxt3Pixel},
     {"zoriTextureDecodeBlockToRGBA_DXT5_8u_C1C4R", &zoriTextureDecodeBlockToRGBA_DXT5_8u_C1C4R, 16,
      &reference::dxt5Pixel},
+    {"zoriTextureDecodeBlockToRGBA_BC7_8u_C1C4R", &zoriTextureDecodeBlockToRGBA_BC7_8u_C1C4R, 16, &reference::bc7Pixel},
 };
 
 // The driver's heights are small; blocks want more rows, of every number modulo 4.
@@ -60,6 +63,31 @@ TEST(TextureDecoding, EqualsModel) {
         },
         [&](const Operands& o, RoiSize size) { computeModel(test, o, blockImageSize(size.width, size.height)); });
   }
+}
+
+// Every mode, and no mode, with every partition, rotation and index selection.
+TEST(TextureDecoding, DecodesEveryKindOfBc7Block) {
+  constexpr int kFirstBits = 14;
+  Random random(5);
+  std::vector<uint8_t> blocks(size_t{16} << kFirstBits);
+  for (size_t i = 0; i < blocks.size(); ++i) blocks[i] = static_cast<uint8_t>(random.next());
+  for (size_t first = 0; first < size_t{1} << kFirstBits; ++first) {
+    blocks[16 * first] = static_cast<uint8_t>(first);
+    blocks[16 * first + 1] = static_cast<uint8_t>((blocks[16 * first + 1] & 0xC0) | first >> 8);
+  }
+  const RoiSize size = {512, int32_t{16} << kFirstBits >> 9};
+  std::vector<uint8_t> expected(blocks.size() * 4), pixels(expected.size());
+  for (int y = 0; y < size.height; ++y) {
+    for (int x = 0; x < size.width; ++x) {
+      const uint8_t* const block = &blocks[static_cast<size_t>(y / 4 * (size.width / 4) + x / 4) * 16];
+      const Rgba pixel = reference::bc7Pixel(block, x % 4, y % 4);
+      std::copy(pixel.begin(), pixel.end(), &expected[static_cast<size_t>(y * size.width + x) * 4]);
+    }
+  }
+  forEachIsa([&](Isa isa) {
+    EXPECT_EQ(zoriTextureDecodeBlockToRGBA_BC7_8u_C1C4R(blocks.data(), pixels.data(), 4 * size.width, size), StatusOk);
+    EXPECT_TRUE(pixels == expected) << isaName(isa);
+  });
 }
 
 TEST(TextureDecoding, NegativeStepsWalkUpwards) {
