@@ -72,6 +72,35 @@ void compareDecode(const Format& format) {
   }
 }
 
+// ---- BC7
+
+// Random blocks of modes that are as frequent as `share` says.
+void setModes(Bytes& blocks, const std::array<int, 8>& share) {
+  std::mt19937 random(2);
+  std::discrete_distribution<int> modes(share.begin(), share.end());
+  for (size_t i = 0; i < blocks.size(); i += 16) {
+    const int mode = modes(random);
+    blocks[i] = static_cast<uint8_t>((blocks[i] >> (mode + 1) << 1 | 1) << mode);
+  }
+}
+
+// The peer decodes as many DXT1 blocks: no package has a fast BC7 decoder.
+void compareBc7() {
+  const auto dxt1 = std::make_shared<Texture>(RoiSize{256, 256}, 8);
+  const std::pair<const char*, std::array<int, 8>> kinds[] = {
+      {"all modes alike", {1, 1, 1, 1, 1, 1, 1, 1}}, {"modes as encoders choose them", {5, 25, 5, 15, 2, 3, 40, 5}}};
+  for (const auto& [name, share] : kinds) {
+    const auto texture = std::make_shared<Texture>(RoiSize{256, 256}, 16);
+    setModes(texture->blocks, share);
+    const auto run = [=] {
+      zoriTextureDecodeBlockToRGBA_BC7_8u_C1C4R(texture->blocks.data(), texture->pixels.data(), 4 * 256, texture->size);
+    };
+    std::vector<Variant> variants = atEveryLevel(run);
+    variants.push_back({"libsquish DXT1", [=] { decodeWithSquish(*dxt1, 8, squish::kDxt1); }});
+    compare(std::string("BC7 decode, ") + name, texture->pixelCount(), "pixels", variants);
+  }
+}
+
 // ---- Encoding a photograph
 
 using EncodeBlock = void (*)(uint8_t* block, const uint8_t* pixels);
@@ -172,6 +201,7 @@ void compareEncode(const std::shared_ptr<Photograph>& photograph, const Format& 
 
 void registerComparisons() {
   for (const Format& format : {kDxt1, kDxt3, kDxt5}) compareDecode(format);
+  compareBc7();
   const auto photograph = std::make_shared<Photograph>();
   compareEncode(photograph, kDxt1, &zoriTextureEncodeBlockFromRGBA_DXT1_8u_C4C1R, true);
   compareEncode(photograph, kDxt3, &zoriTextureEncodeBlockFromRGBA_DXT3_8u_C4C1R, false);

@@ -10,6 +10,8 @@
 #include "support/arguments.h"
 #include "support/isa_levels.h"
 #include "support/rows.h"
+#include "texture/bc7_decode_kernels.h"
+#include "texture/dxt_decode_kernels.h"
 
 namespace zorj::test {
 namespace {
@@ -104,6 +106,24 @@ TEST(TextureDecoding, NegativeStepsWalkUpwards) {
       EXPECT_TRUE(std::equal(&down[kRow * y], &down[kRow * y] + kRow, &up[kRow * (kRows - 1 - y)])) << test.what;
     }
   }
+}
+
+// The stores of images larger than the caches, which would take too long to decode here.
+TEST(TextureDecoding, StreamsTheSamePixels) {
+  constexpr size_t kBlocks = 37, kRow = 16 * kBlocks;
+  std::vector<uint8_t> blocks(16 * kBlocks);
+  Random random(4);
+  fillSamples(blocks.data(), blocks.size(), random, 0);
+  forEachIsa([&](Isa isa) {
+    const DxtDecodeKernels& dxt = dxtDecodeKernels();
+    for (const BlockDecoder& decoder : {dxt.dxt1, dxt.dxt3, dxt.dxt5, bc7Decoder()}) {
+      // Odd multiples of 16 bytes: all the alignment there is.
+      alignas(64) std::array<uint8_t, 16 + 4 *kRow> cached = {}, streamed = {};
+      decoder.cached(blocks.data(), kBlocks, &cached[16], kRow);
+      decoder.streaming(blocks.data(), kBlocks, &streamed[16], kRow);
+      EXPECT_EQ(cached, streamed) << isaName(isa);
+    }
+  });
 }
 
 TEST(TextureDecoding, ChecksArgumentsInOrder) {
