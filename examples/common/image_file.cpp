@@ -11,10 +11,10 @@
 
 namespace examples {
 
-Image readImage(const std::string& path) {
+Image readImage(const std::string& path, Opacity opacity) {
   const std::vector<uint8_t> bytes = readFile(path);
   try {
-    if (isPng(bytes)) return readPng(bytes);
+    if (isPng(bytes)) return readPng(bytes, opacity);
     if (isPnm(bytes)) return readPnm(bytes);
   } catch (const Error& error) {
     throw Error(path + ": " + error.what());
@@ -34,6 +34,7 @@ ImageFormat imageFormatOf(const std::string& path) {
 
 void writeImage(const std::string& path, const Image& image) {
   const ImageFormat format = imageFormatOf(path);
+  if (format != ImageFormat::png && image.channels % 2 == 0) throw Error(path + ": opacity fits a PNG file alone");
   if (format == ImageFormat::pgm && image.channels != 1) throw Error(path + ": a colour image does not fit a PGM file");
   OutputFile file(path);
   if (format == ImageFormat::png) {

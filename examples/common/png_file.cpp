@@ -75,12 +75,15 @@ bool readPixels(png_structp png, png_infop info, Input& input, Image& image, std
   return true;
 }
 
+int colourType(int32_t channels) {
+  return (channels < 3 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB) | (channels % 2 == 0 ? PNG_COLOR_MASK_ALPHA : 0);
+}
+
 bool writePixels(png_structp png, png_infop info, OutputFile& file, const Image& image) {
   if (setjmp(png_jmpbuf(png))) return false;  // NOLINT(cert-err52-cpp): it is libpng's way
   png_init_io(png, file.stream());
   png_set_IHDR(png, info, static_cast<png_uint_32>(image.width), static_cast<png_uint_32>(image.height), 8,
-               image.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
-               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+               colourType(image.channels), PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_compression_level(png, 3);
   png_write_info(png, info);
   for (int32_t y = 0; y < image.height; ++y) png_write_row(png, image.at(0, y));
@@ -92,7 +95,7 @@ bool writePixels(png_structp png, png_infop info, OutputFile& file, const Image&
 
 bool isPng(std::span<const uint8_t> bytes) { return bytes.size() >= 8 && png_sig_cmp(bytes.data(), 0, 8) == 0; }
 
-Image readPng(std::span<const uint8_t> bytes) {
+Image readPng(std::span<const uint8_t> bytes, Opacity opacity) {
   Message message;
   png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &message, keepMessage, ignoreWarning);
   if (!png) throw Error("libpng could not start");
@@ -108,7 +111,7 @@ Image readPng(std::span<const uint8_t> bytes) {
   }
   png_destroy_read_struct(&png, &info, nullptr);
   if (!done) throw Error(message.text);
-  return image.channels % 2 == 0 ? overWhite(image) : image;
+  return image.channels % 2 == 0 && opacity == Opacity::overWhite ? overWhite(image) : image;
 }
 
 void writePng(const Image& image, OutputFile& file) {

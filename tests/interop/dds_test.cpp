@@ -1,0 +1,181 @@
+// zordds: textures of every format and size against Pillow's reader, mip chains, damaged files, the program.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+#include "common/error.h"
+#include "common/files.h"
+#include "common/image_file.h"
+#include "dds/codec.h"
+#include "interop/pictures.h"
+
+namespace interop {
+namespace {
+
+namespace dds = examples::dds;
+namespace fs = std::filesystem;
+using dds::Format;
+
+using Bytes = std::vector<uint8_t>;
+
+class Dds : public testing::Test {
+ protected:
+  void SetUp() override {
+    directory_ = fs::path(testing::TempDir()) /
+                 ("zordds_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+    fs::remove_all(directory_);
+    fs::create_directories(directory_);
+  }
+  void TearDown() override { fs::remove_all(directory_); }
+
+  std::string path(const std::string& name) const { return (directory_ / name).string(); }
+  void write(const std::string& name, const Bytes& bytes) const {
+    examples::OutputFile file(path(name));
+    file.write(bytes);
+    file.commit();
+  }
+  int run(const std::string& command) const {
+    const std::string line = "cd '" + directory_.string() + "' && " + command + " >out 2>err";
+    const int status = std::system(line.c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  int zordds(const std::string& arguments) const { return run(ZORDDS_PROGRAM " " + arguments); }
+  std::string said(const std::string& where) const {
+    const Bytes bytes = examples::readFile(path(where));
+    return {bytes.begin(), bytes.end()};
+  }
+  // The file as Pillow, of the system's Python, decodes it.
+  Bytes decodedByPillow(const Bytes& file) const {
+    write("x.dds", file);
+    EXPECT_EQ(run("/usr/bin/python3 " ZORJ_PILLOW_SCRIPT " x.dds x.rgba"), 0) << said("err");
+    return examples::readFile(path("x.rgba"));
+  }
+
+  fs::path directory_;
+};
+
+// RGBA of an image of 3 or 4 channels.
+Bytes rgbaOf(const Image& image) {
+  Bytes rgba;
+  for (auto at = image.samples.begin(); at != image.samples.end(); at += image.channels) {
+    rgba.insert(rgba.end(), at, at + image.channels);
+    if (image.channels == 3) rgba.push_back(255);
+  }
+  return rgba;
+}
+
+int largestDifference(const Bytes& a, const Bytes& b) {
+  EXPECT_EQ(a.size(), b.size());
+  int largest = 0;
+  for (size_t i = 0; i < std::min(a.size(), b.size()); ++i) largest = std::max(largest, std::abs(a[i] - b[i]));
+  return largest;
+}
+
+Bytes randomBlocks(size_t bytes) {
+  Random random(11);
+  Bytes blocks(bytes);
+  for (uint8_t& byte : blocks) byte = static_cast<uint8_t>(random.next());
+  return blocks;
+}
+
+Bytes fileOf(const dds::Texture& texture, const Bytes& blocks) {
+  Bytes file = dds::makeHeaders(texture);
+  file.insert(file.end(), blocks.begin(), blocks.end());
+  return file;
+}
+
+TEST_F(Dds, PillowDecodesBc7AsWeDo) {
+  dds::Texture texture;
+  texture.format = Format::bc7;
+  texture.width = texture.height = 1024;
+  Bytes blocks = randomBlocks(texture.level(0).bytes);
+  for (size_t i = 0; i < blocks.size(); i += 16) {
+    const unsigned mode = i / 16 % 8;
+    blocks[i] = static_cast<uint8_t>((blocks[i] | 1u) << mode);
+  }
+  const Bytes file = fileOf(texture, blocks);
+  EXPECT_TRUE(rgbaOf(dds::decode(file)) == decodedByPillow(file));
+}
+
+// Pillow repeats the colours' high bits in the low ones.
+TEST_F(Dds, PillowDecodesDxtAlike) {
+  for (const Format format : {Format::dxt1, Format::dxt3, Format::dxt5}) {
+    for (const auto& [width, height] : oddSizes()) {
+      const Bytes file = dds::encode(picture(width, height, format == Format::dxt1 ? 3 : 4), format, width > 20);
+      const Bytes ours = rgbaOf(dds::decode(file)), theirs = decodedByPillow(file);
+      EXPECT_LE(largestDifference(ours, theirs), 8) << dds::nameOf(format) << " of " << width << " x " << height;
+    }
+  }
+}
+
+TEST_F(Dds, DecodesWhatItEncodes) {
+  for (const Format format : {Format::dxt1, Format::dxt3, Format::dxt5, Format::ycocgDxt5}) {
+    for (const int channels : {1, 2, 3, 4}) {
+      const bool opaque = channels % 2 != 0 || format == Format::dxt1 || format == Format::ycocgDxt5;
+      const Image image = picture(70, 50, channels);
+      const Bytes file = dds::encode(image, format, true);
+      const dds::Texture texture = dds::parse(file);
+      EXPECT_EQ(texture.format, format);
+      EXPECT_EQ(texture.levels, 7);
+      for (int level = 0; level < texture.levels; ++level) {
+        const Image decoded = dds::decode(file, level);
+        EXPECT_EQ(decoded.width, std::max(1, 70 >> level));
+        EXPECT_EQ(decoded.height, std::max(1, 50 >> level));
+        EXPECT_EQ(decoded.channels, opaque ? 3 : 4);
+      }
+      Image expected(70, 50, opaque ? 3 : 4);
+      for (int i = 0; i < 70 * 50; ++i) {
+        const uint8_t* const from = image.at(i % 70, i / 70);
+        uint8_t* const to = expected.at(i % 70, i / 70);
+        for (int c = 0; c < 3; ++c) to[c] = from[channels < 3 ? 0 : c];
+        if (!opaque) to[3] = from[channels - 1];
+      }
+      EXPECT_GT(psnr(dds::decode(file), expected), 20) << dds::nameOf(format) << ", " << channels << " channels";
+    }
+  }
+}
+
+TEST_F(Dds, RefusesDamagedFiles) {
+  const Bytes good = dds::encode(picture(33, 20, 4), Format::dxt5, true);
+  for (size_t length = 0; length < good.size(); length += length < 150 ? 1 : 97) {
+    const Bytes cut(good.begin(), good.begin() + static_cast<ptrdiff_t>(length));
+    EXPECT_THROW(dds::decode(cut), examples::Error) << length << " bytes";
+  }
+  Random random(12);
+  for (int round = 0; round < 3000; ++round) {
+    Bytes damaged = good;
+    for (int i = 0; i < 3; ++i) damaged[random.next() % 148] = static_cast<uint8_t>(random.next());
+    try {
+      const Image image = dds::decode(damaged, static_cast<int32_t>(random.between(-1, 8)));
+      EXPECT_LE(image.samples.size(), 8 * damaged.size());
+    } catch (const examples::Error& error) {
+      EXPECT_STRNE(error.what(), "");
+    }
+  }
+}
+
+TEST_F(Dds, TheProgramEncodesDecodesAndDescribes) {
+  examples::writeImage(path("in.png"), picture(70, 50, 4));
+  for (const char* format : {"dxt1", "dxt3", "dxt5", "ycocg-dxt5"}) {
+    ASSERT_EQ(zordds(std::string("encode in.png a.dds --mipmaps --format ") + format), 0) << said("err");
+    ASSERT_EQ(zordds("decode a.dds b.png --level 1"), 0) << said("err");
+    EXPECT_EQ(examples::readImage(path("b.png")).width, 35);
+    ASSERT_EQ(zordds("info a.dds"), 0) << said("err");
+    EXPECT_NE(said("out").find("level 6: 1 x 1 pixels"), std::string::npos) << said("out");
+  }
+  const std::pair<const char*, int> failures[] = {{"encode in.png", 2},       {"encode in.png a.dds --format bc7", 2},
+                                                  {"decode in.png b.png", 1}, {"decode a.dds b.png --level 7", 1},
+                                                  {"decode a.dds b.jpg", 1},  {"info missing.dds", 1}};
+  for (const auto& [arguments, code] : failures) {
+    EXPECT_EQ(zordds(arguments), code) << arguments;
+    const std::string message = said("err");
+    EXPECT_EQ(message.rfind("zordds: ", 0), 0u) << message;
+    EXPECT_EQ(std::count(message.begin(), message.end(), '\n'), 1) << message;
+  }
+}
+
+}  // namespace
+}  // namespace interop
