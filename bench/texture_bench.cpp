@@ -3,8 +3,10 @@
 #include <squish.h>
 #include <zorj.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <random>
@@ -103,22 +105,20 @@ void compareBc7() {
 
 // ---- Encoding a photograph
 
-using EncodeBlock = void (*)(uint8_t* block, const uint8_t* pixels);
-
-// Pixels of a photograph, whole blocks of it, as rows and as blocks one after the other.
+// Whole blocks of a photograph, with an opacity that has structure, or none: libsquish's DXT1 leaves pixels out by it.
 struct Photograph {
   RoiSize size;
   Bytes rows;
-  Bytes blocks;
+  Bytes blocks;  // the same pixels, block by block
 
-  Photograph() {
+  explicit Photograph(bool opaque) {
     const examples::Image image = examples::readImage(ZORJ_PHOTOGRAPH);
     size = {image.width & ~3, image.height & ~3};
     for (int32_t y = 0; y < size.height; ++y) {
       for (int32_t x = 0; x < size.width; ++x) {
         const uint8_t* const pixel = image.at(x, y);
-        // An alpha with some structure.
-        rows.insert(rows.end(), {pixel[0], pixel[1], pixel[2], static_cast<uint8_t>((pixel[0] + 3 * pixel[1]) / 4)});
+        const int opacity = opaque ? 255 : (pixel[0] + 3 * pixel[1]) / 4;
+        rows.insert(rows.end(), {pixel[0], pixel[1], pixel[2], static_cast<uint8_t>(opacity)});
       }
     }
     for (size_t i = 0; i < rows.size(); i += 16) {
@@ -130,71 +130,85 @@ struct Photograph {
   double pixelCount() const { return static_cast<double>(rows.size()) / 4; }
 };
 
-double psnr(const Bytes& a, const Bytes& b, size_t channels) {
-  double sum = 0;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (i % 4 < channels) sum += (a[i] - b[i]) * (a[i] - b[i]);
-  }
-  return 10 * std::log10(255.0 * 255 * static_cast<double>(a.size() / 4 * channels) / sum);
-}
-
-// Of the photograph and what libsquish decodes of the blocks.
-std::string quality(const Photograph& photograph, const Bytes& encoded, const Format& format) {
-  Bytes decoded(photograph.blocks.size());
+Bytes decodedWithSquish(const Bytes& encoded, const Format& format) {
+  Bytes decoded(encoded.size() / format.blockBytes * 64);
   for (size_t i = 0; i < decoded.size() / 64; ++i) {
     squish::Decompress(&decoded[64 * i], &encoded[format.blockBytes * i], format.squishFlags);
   }
+  return decoded;
+}
+
+// Of the photograph's first channels, as text.
+std::string quality(const Photograph& photograph, const Bytes& decoded, size_t channels) {
+  double sum = 0;
+  for (size_t i = 0; i < decoded.size(); ++i) {
+    if (i % 4 < channels) sum += std::pow(decoded[i] - photograph.blocks[i], 2);
+  }
   char text[20];
-  std::snprintf(text, sizeof text, "%.2f dB", psnr(photograph.blocks, decoded, format.blockBytes == 8 ? 3 : 4));
+  const double count = photograph.pixelCount() * static_cast<double>(channels);
+  std::snprintf(text, sizeof text, "%.2f dB", 10 * std::log10(255.0 * 255.0 * count / sum));
   return text;
 }
 
-void compareEncode(const std::shared_ptr<Photograph>& photograph, const Format& format,
-                   StatusCode(ZORJ_CALL* encode)(const uint8_t*, int32_t, RoiSize, uint8_t*), bool withStb) {
+using EncodeBlock = void (*)(uint8_t* block, const uint8_t* pixels);
+
+template <int kAlpha>
+void encodeWithStb(uint8_t* block, const uint8_t* pixels) {
+  stb_compress_dxt_block(block, pixels, kAlpha, STB_DXT_NORMAL);
+}
+template <int kFormat>
+void encodeWithSquish(uint8_t* block, const uint8_t* pixels) {
+  squish::Compress(pixels, block, kFormat | squish::kColourRangeFit);
+}
+
+void compareEncode(const Format& format, StatusCode(ZORJ_CALL* encode)(const uint8_t*, int32_t, RoiSize, uint8_t*),
+                   const std::vector<std::pair<std::string, EncodeBlock>>& peers) {
+  const size_t channels = format.blockBytes == 8 ? 3 : 4;
+  const auto photograph = std::make_shared<Photograph>(channels == 3);
   const auto encoded = std::make_shared<Bytes>(photograph->blocks.size() / 64 * format.blockBytes);
-  const auto run = [=] {
-    encode(photograph->rows.data(), 4 * photograph->size.width, photograph->size, encoded->data());
-  };
-  const auto peer = [=](const EncodeBlock encodeBlock) {
-    return [=] {
-      for (size_t i = 0; i < photograph->blocks.size() / 64; ++i) {
-        encodeBlock(&(*encoded)[format.blockBytes * i], &photograph->blocks[64 * i]);
-      }
-    };
-  };
-  const bool alpha = format.blockBytes == 16;
-  const auto stb = peer(alpha ? EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
-    stb_compress_dxt_block(block, pixels, 1, STB_DXT_NORMAL);
-  }}
-                              : EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
-                                  stb_compress_dxt_block(block, pixels, 0, STB_DXT_NORMAL);
-                                }});
-  static constexpr auto kFlags = squish::kColourRangeFit;
-  const auto rangeFit =
-      peer(format.squishFlags == squish::kDxt1   ? EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
-        squish::Compress(pixels, block, squish::kDxt1 | kFlags);
-      }}
-           : format.squishFlags == squish::kDxt3 ? EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
-               squish::Compress(pixels, block, squish::kDxt3 | kFlags);
-             }}
-                                                 : EncodeBlock{[](uint8_t* block, const uint8_t* pixels) {
-                                                     squish::Compress(pixels, block, squish::kDxt5 | kFlags);
-                                                   }});
-  run();
-  std::string row = std::string(format.name) + " encode (" + quality(*photograph, *encoded, format);
-  std::vector<Variant> variants = {{"AVX2", run, Isa::kAvx2},
-                                   {"AVX-512", run, Isa::kAvx512},
-                                   {"SSE4", run, Isa::kSse4},
-                                   {"portable", run, Isa::kPortable},
-                                   {"libsquish range fit", rangeFit}};
-  if (withStb) {
-    stb();
-    row += ", stb_dxt " + quality(*photograph, *encoded, format);
-    variants.push_back({"stb_dxt", stb});
+  std::vector<Variant> variants = atEveryLevel(
+      [=] { encode(photograph->rows.data(), 4 * photograph->size.width, photograph->size, encoded->data()); });
+  for (const auto& [name, encodeBlock] : peers) {
+    variants.push_back({name, [=, encodeBlock = encodeBlock] {
+                          for (size_t i = 0; i < photograph->blocks.size() / 64; ++i) {
+                            encodeBlock(&(*encoded)[format.blockBytes * i], &photograph->blocks[64 * i]);
+                          }
+                        }});
   }
-  rangeFit();
-  row += ", libsquish " + quality(*photograph, *encoded, format) + ")";
+  std::string row = std::string(format.name) + " encode";
+  for (size_t i = 0; i <= peers.size(); ++i) {
+    const Variant& variant = i == 0 ? variants[0] : variants[variants.size() - peers.size() + i - 1];
+    variant.run();
+    row += (i == 0 ? ", " : ", " + variant.name + " ") +
+           quality(*photograph, decodedWithSquish(*encoded, format), channels);
+  }
   compare(row, photograph->pixelCount(), "pixels", variants);
+}
+
+void compareYCoCg() {
+  const auto photograph = std::make_shared<Photograph>(true);
+  const auto encoded = std::make_shared<Bytes>(photograph->blocks.size() / 4);
+  const auto source = std::make_shared<Bytes>();
+  for (size_t i = 0; i < photograph->rows.size(); i += 4) {
+    const int r = photograph->rows[i], g = photograph->rows[i + 1], b = photograph->rows[i + 2];
+    for (const int value : {(r + 2 * g + b + 2) / 4, (r - b + 256) / 2, (2 * g - r - b + 514) / 4}) {
+      source->push_back(static_cast<uint8_t>(std::min(value, 255)));
+    }
+  }
+  const auto run = [=] {
+    zoriTextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(source->data(), 3 * photograph->size.width, photograph->size,
+                                                  encoded->data());
+  };
+  run();
+  Bytes decoded = decodedWithSquish(*encoded, kDxt5);
+  for (size_t i = 0; i < decoded.size(); i += 4) {
+    const int scale = 1 + (decoded[i + 2] >> 3), y = decoded[i + 3];
+    const int co = (decoded[i] - 128) / scale, cg = (decoded[i + 1] - 128) / scale;
+    const int colour[3] = {y + co - cg, y + cg, y - co - cg};
+    for (size_t c = 0; c < 3; ++c) decoded[i + c] = static_cast<uint8_t>(std::clamp(colour[c], 0, 255));
+  }
+  compare("YCoCg-DXT5 encode, " + quality(*photograph, decoded, 3), photograph->pixelCount(), "pixels",
+          atEveryLevel(run));
 }
 
 }  // namespace
@@ -202,10 +216,13 @@ void compareEncode(const std::shared_ptr<Photograph>& photograph, const Format& 
 void registerComparisons() {
   for (const Format& format : {kDxt1, kDxt3, kDxt5}) compareDecode(format);
   compareBc7();
-  const auto photograph = std::make_shared<Photograph>();
-  compareEncode(photograph, kDxt1, &zoriTextureEncodeBlockFromRGBA_DXT1_8u_C4C1R, true);
-  compareEncode(photograph, kDxt3, &zoriTextureEncodeBlockFromRGBA_DXT3_8u_C4C1R, false);
-  compareEncode(photograph, kDxt5, &zoriTextureEncodeBlockFromRGBA_DXT5_8u_C4C1R, true);
+  compareEncode(kDxt1, &zoriTextureEncodeBlockFromRGBA_DXT1_8u_C4C1R,
+                {{"stb_dxt", &encodeWithStb<0>}, {"libsquish range fit", &encodeWithSquish<squish::kDxt1>}});
+  compareEncode(kDxt3, &zoriTextureEncodeBlockFromRGBA_DXT3_8u_C4C1R,
+                {{"libsquish range fit", &encodeWithSquish<squish::kDxt3>}});
+  compareEncode(kDxt5, &zoriTextureEncodeBlockFromRGBA_DXT5_8u_C4C1R,
+                {{"stb_dxt", &encodeWithStb<1>}, {"libsquish range fit", &encodeWithSquish<squish::kDxt5>}});
+  compareYCoCg();
 }
 
 }  // namespace zorj::bench
