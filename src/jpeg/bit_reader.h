@@ -1,6 +1,7 @@
 // Reads an entropy-coded segment step by step: the careful path of every decoder.
 #pragma once
 
+#include "jpeg/big_endian.h"
 #include "jpeg/huffman_spec.h"
 #include "jpeg/huffman_state.h"
 
@@ -28,6 +29,7 @@ class BitReader {
   // where nothing was left to read, but not where a marker was met just now.
   StatusCode refill(int32_t needed) {
     if (source_.marker != 0) return needed > state_.bitCount ? StatusHuffmanDataError : StatusOk;
+    if (refillAtOnce()) return StatusOk;
     while (state_.bitCount < 25) {
       if (atEnd()) return needed > state_.bitCount ? StatusBufferEnd : StatusOk;
       const uint8_t byte = nextByte();
@@ -56,10 +58,11 @@ class BitReader {
     return state_.bitCount < count ? StatusHuffmanDataError : StatusOk;
   }
 
-  // Consumes `count` bits that are held, at most 31.
+  int32_t held() const { return state_.bitCount; }
+  // Consumes `count` bits that are held, at most 32.
   uint32_t take(int32_t count) {
     state_.bitCount -= count;
-    return state_.bitBuffer >> state_.bitCount & ((1u << count) - 1);
+    return state_.bitBuffer >> state_.bitCount & static_cast<uint32_t>((uint64_t{1} << count) - 1);
   }
 
   StatusCode decodeSymbol(const HuffmanDecodeSpec& spec, uint32_t& symbol) {
@@ -87,6 +90,21 @@ class BitReader {
 
  private:
   bool atEnd() const { return source_.position >= source_.length; }
+
+  // Fills a buffer of fewer than 25 bits from the next four bytes. False if one of them is unusual or they are not
+  // there.
+  bool refillAtOnce() {
+    if (source_.length - source_.position < 4 || state_.bitCount >= 25) return false;
+    const uint32_t word = loadBigEndian32(source_.bytes + source_.position);
+    if (hasByteFF(word)) return false;
+    const int32_t bytes = (32 - state_.bitCount) / 8;
+    state_.bitBuffer = static_cast<uint32_t>(uint64_t{state_.bitBuffer} << 8 * bytes | word >> (32 - 8 * bytes));
+    state_.reserved = 0;
+    state_.bitCount += 8 * bytes;
+    source_.position += bytes;
+    return true;
+  }
+
   uint8_t nextByte() { return source_.bytes[source_.position++]; }
 
   // Decodes a code of `length` bits or more, bit by bit. A code that is none has consumed 17 bits.

@@ -1,0 +1,166 @@
+#include "jpeg/progressive_decode_kernels.h"
+
+#include <bit>
+
+#include "core/isa.h"
+#include "core/unaligned.h"
+#include "jpeg/zigzag.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "jpeg/progressive_decode_kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "core/simd-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zorj::HWY_NAMESPACE {
+namespace {
+namespace hn = hwy::HWY_NAMESPACE;
+
+#include "jpeg/bit_gather-inl.h"
+#include "jpeg/zigzag_masks-inl.h"
+
+// The place of a coefficient that a run may have led beyond the block.
+HWY_INLINE int16_t* coefficientAt(int16_t* block, uint32_t position) {
+  return block + kNaturalOrder[HWY_MIN(position, kBlockSize - 1)];
+}
+
+// The length of the run that a symbol with category 0 begins, this block included.
+HWY_INLINE StatusCode takeEobRun(BitReader& reader, uint32_t category, uint32_t& blocks) {
+  if (const StatusCode status = reader.require(static_cast<int32_t>(category))) return status;
+  blocks = (1u << category) + reader.take(static_cast<int32_t>(category));
+  return StatusOk;
+}
+
+StatusCode decodeAcFirst(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, SpectralBand band,
+                         const HuffmanDecodeSpec& spec) {
+  BitReader reader(source, state);
+  auto position = static_cast<uint32_t>(band.first);
+  const auto last = static_cast<uint32_t>(band.last);
+  while (position <= last) {
+    uint32_t symbol = 0;
+    if (const StatusCode status = reader.decodeSymbol(spec, symbol)) return status;
+    const uint32_t run = symbol >> 4, size = symbol & 15;
+    if (size != 0) {
+      int32_t value = 0;
+      if (const StatusCode status = reader.decodeExtraBits(size, value)) return status;
+      position += run;
+      const uint32_t shifted = static_cast<uint32_t>(value) << band.shift;
+      storeUnaligned(coefficientAt(block, position), static_cast<int16_t>(shifted));
+      ++position;
+    } else if (run == 15) {
+      position += 16;
+    } else {
+      uint32_t blocks = 0;
+      if (const StatusCode status = takeEobRun(reader, run, blocks)) return status;
+      state.eobRun = blocks - 1;
+      break;
+    }
+  }
+  return StatusOk;
+}
+
+// Refines the band of a block. Zig-zag position k is bit 63 - k of a mask: correction bits come in that order.
+class BandRefiner {
+ public:
+  HWY_INLINE BandRefiner(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, SpectralBand band)
+      : reader_(source, state),
+        state_(state),
+        block_(block),
+        band_(band),
+        left_(band.reversedMask()),
+        nonZero_(nonZeroMask<PointTransform::kNone, true>(block, 0)) {}
+
+  HWY_INLINE StatusCode decode(const HuffmanDecodeSpec& spec) {
+    while (left_ != 0 && state_.eobRun == 0) {
+      if (const StatusCode status = decodeSymbol(spec)) return status;
+    }
+    if (state_.eobRun == 0) return StatusOk;
+    if (const StatusCode status = correct(left_)) return status;
+    --state_.eobRun;
+    return StatusOk;
+  }
+
+ private:
+  HWY_INLINE StatusCode decodeSymbol(const HuffmanDecodeSpec& spec) {
+    uint32_t symbol = 0;
+    if (const StatusCode status = reader_.decodeSymbol(spec, symbol)) return status;
+    const uint32_t run = symbol >> 4, size = symbol & 15;
+    if (size == 0 && run != 15) return takeEobRun(reader_, run, state_.eobRun);
+    uint32_t positive = 0;
+    if (size != 0) {
+      if (const StatusCode status = reader_.require(1)) return status;
+      positive = reader_.take(1);
+    }
+    // Without so many zeros left the run ends behind the band.
+    const uint64_t place = bitAfter(left_ & ~nonZero_, run);
+    const uint64_t passed = place == 0 ? left_ : left_ & bitsAbove(place);
+    if (const StatusCode status = correct(passed)) return status;
+    left_ = place == 0 ? 0 : left_ & (place - 1);
+    if (size == 0) return StatusOk;
+    const uint32_t position = place == 0 ? static_cast<uint32_t>(band_.last) + 1 : positionOf(place);
+    const int32_t one = 1 << band_.shift;
+    storeUnaligned(coefficientAt(block_, position), static_cast<int16_t>(positive ? one : -one));
+    return StatusOk;
+  }
+
+  // Takes a correction bit for each coefficient of `places` that is not zero. What is missing leaves the rest alone.
+  HWY_INLINE StatusCode correct(uint64_t places) {
+    uint64_t corrected = places & nonZero_;
+    while (corrected != 0) {
+      if (const StatusCode status = reader_.require(1)) return status;
+      const int32_t wanted = std::popcount(corrected), count = HWY_MIN(wanted, reader_.held());
+      // The first so many of them.
+      const uint64_t rest = count == wanted ? 0 : lowestBits(corrected, wanted - count);
+      addBits(scatterBits(reader_.take(count), corrected ^ rest));
+      corrected = rest;
+    }
+    return StatusOk;
+  }
+  static HWY_INLINE uint64_t lowestBits(uint64_t mask, int32_t count) {
+    return scatterBits((uint64_t{1} << count) - 1, mask);
+  }
+
+  // Sets the magnitude bit that this scan refines.
+  HWY_INLINE void addBits(uint64_t places) {
+    while (places != 0) {
+      const auto position = static_cast<uint32_t>(std::countl_zero(places));
+      places &= ~(uint64_t{1} << 63 >> position);
+      int16_t* coefficient = block_ + kNaturalOrder[position];
+      const int32_t value = loadUnaligned(coefficient), sign = value >> 31;
+      const int32_t magnitude = ((value ^ sign) - sign) | 1 << band_.shift;
+      storeUnaligned(coefficient, static_cast<int16_t>((magnitude ^ sign) - sign));
+    }
+  }
+
+  static HWY_INLINE uint32_t positionOf(uint64_t place) { return static_cast<uint32_t>(std::countl_zero(place)); }
+
+  BitReader reader_;
+  HuffmanDecodeState& state_;
+  int16_t* block_;
+  SpectralBand band_;
+  uint64_t left_;  // the positions not passed yet
+  const uint64_t nonZero_;
+};
+
+StatusCode decodeAcRefine(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, SpectralBand band,
+                          const HuffmanDecodeSpec& spec) {
+  return BandRefiner(source, state, block, band).decode(spec);
+}
+
+constexpr ProgressiveDecodeKernels kernels = {&decodeAcFirst, &decodeAcRefine};
+
+}  // namespace
+}  // namespace zorj::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zorj {
+
+static constexpr PerIsa<const ProgressiveDecodeKernels> perIsa{ZORJ_PER_ISA(kernels)};
+
+const ProgressiveDecodeKernels& progressiveDecodeKernels() { return *perIsa; }
+
+}  // namespace zorj
+#endif
