@@ -33,8 +33,7 @@ HWY_INLINE RefinementMasks refinementMasks(const int16_t* block, int32_t shift) 
 HWY_INLINE RefinementMasks refinementMasks(const int16_t* block, int32_t shift) {
   const __m128i zero = _mm_setzero_si128(), one = _mm_set1_epi16(1), count = _mm_cvtsi32_si128(shift);
   // A byte per coefficient: bit 7 less than 0, bit 6 odd, bit 5 greater than 1.
-  __m128i bytes[4];
-  for (size_t i = 0; i < 4; ++i) {
+  const auto properties = [=](size_t i) HWY_ATTR {
     const auto* row = reinterpret_cast<const __m128i*>(block + 16 * i);
     const __m128i values0 = _mm_loadu_si128(row), values1 = _mm_loadu_si128(row + 1);
     const __m128i magnitudes0 = _mm_srl_epi16(_mm_abs_epi16(values0), count);
@@ -43,11 +42,11 @@ HWY_INLINE RefinementMasks refinementMasks(const int16_t* block, int32_t shift) 
     const __m128i odd = _mm_packus_epi16(_mm_and_si128(magnitudes0, one), _mm_and_si128(magnitudes1, one));
     const __m128i large = _mm_andnot_si128(_mm_cmpeq_epi8(half, zero), _mm_set1_epi8(0x20));
     const __m128i negative = _mm_and_si128(_mm_packs_epi16(values0, values1), _mm_set1_epi8(-0x80));
-    bytes[i] = _mm_or_si128(_mm_or_si128(large, negative), _mm_slli_epi16(odd, 6));
-  }
-  orderBytes(kZigzagShuffles<true>, bytes);
+    return _mm_or_si128(_mm_or_si128(large, negative), _mm_slli_epi16(odd, 6));
+  };
+  BlockBytes bytes = orderBytes(kZigzagShuffles<true>, {{properties(0), properties(1), properties(2), properties(3)}});
   const auto shiftLeft = [&bytes](int by) HWY_ATTR {
-    for (__m128i& some : bytes) some = _mm_slli_epi16(some, by);
+    for (__m128i& some : bytes.at) some = _mm_slli_epi16(some, by);
   };
   RefinementMasks masks;
   masks.positive = ~topBits(bytes);

@@ -24,26 +24,28 @@ constexpr ZigzagShuffles kZigzagShuffles = [] {
 #endif
 
 #if ZORJ_SIMD
+// A byte for each coefficient. Written out where GCC 12 would leave loops.
+struct BlockBytes {
+  __m128i at[4];
+};
+
 // Brings the bytes of a block into zig-zag order.
-HWY_INLINE void orderBytes(const ZigzagShuffles& shuffles, __m128i (&bytes)[4]) {
-  __m128i ordered[4];
-  for (size_t to = 0; to < 4; ++to) {
-    ordered[to] = _mm_setzero_si128();
-    for (size_t from = 0; from < 4; ++from) {
-      const __m128i shuffle = _mm_load_si128(reinterpret_cast<const __m128i*>(shuffles.at[to][from]));
-      ordered[to] = _mm_or_si128(ordered[to], _mm_shuffle_epi8(bytes[from], shuffle));
-    }
-  }
-  for (size_t i = 0; i < 4; ++i) bytes[i] = ordered[i];
+HWY_INLINE BlockBytes orderBytes(const ZigzagShuffles& shuffles, const BlockBytes& bytes) {
+  const auto shuffled = [&](size_t to, size_t from) HWY_ATTR {
+    return _mm_shuffle_epi8(bytes.at[from], _mm_load_si128(reinterpret_cast<const __m128i*>(shuffles.at[to][from])));
+  };
+  const auto ordered = [&](size_t to) HWY_ATTR {
+    return _mm_or_si128(_mm_or_si128(shuffled(to, 0), shuffled(to, 1)), _mm_or_si128(shuffled(to, 2), shuffled(to, 3)));
+  };
+  return {{ordered(0), ordered(1), ordered(2), ordered(3)}};
 }
 
 // The most significant bit of each byte.
-HWY_INLINE uint64_t topBits(const __m128i (&bytes)[4]) {
-  uint64_t bits = 0;
-  for (size_t i = 0; i < 4; ++i) {
-    bits |= static_cast<uint64_t>(static_cast<uint32_t>(_mm_movemask_epi8(bytes[i]))) << (16 * i);
-  }
-  return bits;
+HWY_INLINE uint64_t topBits(const BlockBytes& bytes) {
+  const auto bits = [&](size_t i) HWY_ATTR {
+    return uint64_t{static_cast<uint32_t>(_mm_movemask_epi8(bytes.at[i]))} << (16 * i);
+  };
+  return (bits(0) | bits(1)) | (bits(2) | bits(3));
 }
 #endif
 
@@ -58,10 +60,9 @@ HWY_INLINE uint64_t nonZeroMask(const int16_t* block, int32_t shift) {
         kTransform == PointTransform::kNone ? values : _mm_srl_epi16(_mm_abs_epi16(values), count);
     return _mm_cmpeq_epi16(transformed, _mm_setzero_si128());
   };
-  __m128i flags[4];
-  for (size_t i = 0; i < 4; ++i) flags[i] = _mm_packs_epi16(zeros(block + 16 * i), zeros(block + 16 * i + 8));
-  orderBytes(kZigzagShuffles<kReversed>, flags);
-  return ~topBits(flags);
+  const auto flags = [&](size_t i)
+                         HWY_ATTR { return _mm_packs_epi16(zeros(block + 16 * i), zeros(block + 16 * i + 8)); };
+  return ~topBits(orderBytes(kZigzagShuffles<kReversed>, {{flags(0), flags(1), flags(2), flags(3)}}));
 #else
   uint64_t mask = 0;
   for (size_t k = 0; k < kBlockSize; ++k) {
