@@ -1,6 +1,7 @@
 #include "jpeg/progressive_decode_kernels.h"
 
 #include <bit>
+#include <utility>
 
 #include "core/isa.h"
 #include "core/unaligned.h"
@@ -33,9 +34,9 @@ HWY_INLINE StatusCode takeEobRun(BitReader& reader, uint32_t category, uint32_t&
   return StatusOk;
 }
 
-StatusCode decodeAcFirst(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, SpectralBand band,
-                         const HuffmanDecodeSpec& spec) {
-  BitReader reader(source, state);
+// The first scan of the band of a block.
+HWY_INLINE StatusCode decodeFirst(BitReader& reader, uint32_t& eobRun, int16_t* block, SpectralBand band,
+                                  const HuffmanDecodeSpec& spec) {
   auto position = static_cast<uint32_t>(band.first);
   const auto last = static_cast<uint32_t>(band.last);
   while (position <= last) {
@@ -52,44 +53,56 @@ StatusCode decodeAcFirst(SourceBytes& source, HuffmanDecodeState& state, int16_t
     } else if (run == 15) {
       position += 16;
     } else {
-      uint32_t blocks = 0;
-      if (const StatusCode status = takeEobRun(reader, run, blocks)) return status;
-      state.eobRun = blocks - 1;
+      if (const StatusCode status = takeEobRun(reader, run, eobRun)) return status;
+      --eobRun;
       break;
     }
   }
   return StatusOk;
 }
 
+StatusCode decodeAcFirst(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
+                         int16_t* block, SpectralBand band, const HuffmanDecodeSpec& spec) {
+  if (state.eobRun > 0) {
+    --state.eobRun;
+    return StatusOk;
+  }
+  BitReader reader(source, state);
+  const StatusCode status = decodeFirst(reader, state.eobRun, block, band, spec);
+  reader.finish(position, marker, state);
+  return status;
+}
+
 // Refines the band of a block. Zig-zag position k is bit 63 - k of a mask: correction bits come in that order.
 class BandRefiner {
  public:
-  HWY_INLINE BandRefiner(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, SpectralBand band)
-      : reader_(source, state),
-        state_(state),
+  HWY_INLINE BandRefiner(BitReader& reader, int16_t* block, SpectralBand band)
+      : reader_(reader),
         block_(block),
         band_(band),
         left_(band.reversedMask()),
         nonZero_(nonZeroMask<PointTransform::kNone, true>(block, 0)) {}
 
-  HWY_INLINE StatusCode decode(const HuffmanDecodeSpec& spec) {
-    while (left_ != 0 && state_.eobRun == 0) {
-      if (const StatusCode status = decodeSymbol(spec)) return status;
+  HWY_INLINE StatusCode decode(const HuffmanDecodeSpec& spec, uint32_t& eobRun) {
+    StatusCode status = StatusOk;
+    while (left_ != 0 && eobRun == 0 && status == StatusOk) status = decodeSymbol(spec, eobRun);
+    if (eobRun != 0 && status == StatusOk) {
+      status = correct(left_);
+      eobRun -= status == StatusOk;
     }
-    if (state_.eobRun == 0) return StatusOk;
-    if (const StatusCode status = correct(left_)) return status;
-    --state_.eobRun;
-    return StatusOk;
+    addBits(set_);
+    return status;
   }
 
  private:
-  HWY_INLINE StatusCode decodeSymbol(const HuffmanDecodeSpec& spec) {
+  HWY_INLINE StatusCode decodeSymbol(const HuffmanDecodeSpec& spec, uint32_t& eobRun) {
     uint32_t symbol = 0;
     if (const StatusCode status = reader_.decodeSymbol(spec, symbol)) return status;
-    const uint32_t run = symbol >> 4, size = symbol & 15;
-    if (size == 0 && run != 15) return takeEobRun(reader_, run, state_.eobRun);
+    const uint32_t run = symbol >> 4;
+    const bool isNew = (symbol & 15) != 0;
+    if (!isNew && run != 15) return takeEobRun(reader_, run, eobRun);
     uint32_t positive = 0;
-    if (size != 0) {
+    if (isNew) {
       if (const StatusCode status = reader_.require(1)) return status;
       positive = reader_.take(1);
     }
@@ -98,28 +111,32 @@ class BandRefiner {
     const uint64_t passed = place == 0 ? left_ : left_ & bitsAbove(place);
     if (const StatusCode status = correct(passed)) return status;
     left_ = place == 0 ? 0 : left_ & (place - 1);
-    if (size == 0) return StatusOk;
-    const uint32_t position = place == 0 ? static_cast<uint32_t>(band_.last) + 1 : positionOf(place);
-    const int32_t one = 1 << band_.shift;
-    storeUnaligned(coefficientAt(block_, position), static_cast<int16_t>(positive ? one : -one));
+    if (isNew) storeNew(place, positive);
     return StatusOk;
   }
 
-  // Takes a correction bit for each coefficient of `places` that is not zero. What is missing leaves the rest alone.
+  HWY_INLINE void storeNew(uint64_t place, uint32_t positive) {
+    uint32_t position = static_cast<uint32_t>(std::countl_zero(place));
+    if (place == 0) [[unlikely]] {
+      position = static_cast<uint32_t>(band_.last) + 1;
+      addBits(std::exchange(set_, 0));  // before the last of them may be replaced
+    }
+    const int32_t one = 1 << band_.shift;
+    storeUnaligned(coefficientAt(block_, position), static_cast<int16_t>(positive ? one : -one));
+  }
+
+  // Takes a correction bit for each coefficient of `places` that is not zero.
   HWY_INLINE StatusCode correct(uint64_t places) {
     uint64_t corrected = places & nonZero_;
     while (corrected != 0) {
       if (const StatusCode status = reader_.require(1)) return status;
       const int32_t wanted = std::popcount(corrected), count = HWY_MIN(wanted, reader_.held());
-      // The first so many of them.
-      const uint64_t rest = count == wanted ? 0 : lowestBits(corrected, wanted - count);
-      addBits(scatterBits(reader_.take(count), corrected ^ rest));
+      // Those for which there are no bits left come next time.
+      const uint64_t rest = count == wanted ? 0 : scatterBits((uint64_t{1} << (wanted - count)) - 1, corrected);
+      set_ |= scatterBits(reader_.take(count), corrected ^ rest);
       corrected = rest;
     }
     return StatusOk;
-  }
-  static HWY_INLINE uint64_t lowestBits(uint64_t mask, int32_t count) {
-    return scatterBits((uint64_t{1} << count) - 1, mask);
   }
 
   // Sets the magnitude bit that this scan refines.
@@ -134,19 +151,20 @@ class BandRefiner {
     }
   }
 
-  static HWY_INLINE uint32_t positionOf(uint64_t place) { return static_cast<uint32_t>(std::countl_zero(place)); }
-
-  BitReader reader_;
-  HuffmanDecodeState& state_;
+  BitReader& reader_;
   int16_t* block_;
   SpectralBand band_;
   uint64_t left_;  // the positions not passed yet
   const uint64_t nonZero_;
+  uint64_t set_ = 0;  // the positions whose correction bit was 1
 };
 
-StatusCode decodeAcRefine(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, SpectralBand band,
-                          const HuffmanDecodeSpec& spec) {
-  return BandRefiner(source, state, block, band).decode(spec);
+StatusCode decodeAcRefine(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
+                          int16_t* block, SpectralBand band, const HuffmanDecodeSpec& spec) {
+  BitReader reader(source, state);
+  const StatusCode status = BandRefiner(reader, block, band).decode(spec, state.eobRun);
+  reader.finish(position, marker, state);
+  return status;
 }
 
 constexpr ProgressiveDecodeKernels kernels = {&decodeAcFirst, &decodeAcRefine};

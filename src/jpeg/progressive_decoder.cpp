@@ -25,26 +25,16 @@ StatusCode decodeDcRefine(BitReader& reader, int16_t* block, int32_t shift) {
   return StatusOk;
 }
 
-StatusCode decodeAcFirst(SourceBytes& source, HuffmanDecodeState& state, int16_t* block, SpectralBand band,
-                         const HuffmanDecodeSpec& spec) {
-  if (state.eobRun == 0) return progressiveDecodeKernels().acFirst(source, state, block, band, spec);
-  --state.eobRun;
-  return StatusOk;
-}
+using AcDecoder = decltype(ProgressiveDecodeKernels::acFirst);
 
 StatusCode decodeAc(const uint8_t* src, int32_t length, int32_t* position, int16_t* block, int32_t* marker,
-                    SpectralBand band, const HuffmanDecodeSpec* spec, HuffmanDecodeState* state,
-                    decltype(&decodeAcFirst) decode) {
+                    SpectralBand band, const HuffmanDecodeSpec* spec, HuffmanDecodeState* state, AcDecoder decode) {
   if (anyNull(src)) return StatusNullPointer;
   if (length < 1) return StatusBadSize;
   if (anyNull(position, block, marker)) return StatusNullPointer;
   if (!band.isLegal()) return StatusBadArgument;
   if (anyNull(spec, state)) return StatusNullPointer;
-  SourceBytes source = {src, length, *position, *marker};
-  const StatusCode status = decode(source, *state, block, band, *spec);
-  *position = source.position;
-  *marker = source.marker;
-  return status;
+  return decode({src, length, *position, *marker}, *position, *marker, *state, block, band, *spec);
 }
 
 }  // namespace
@@ -62,11 +52,9 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(const uint8_t* p
   if (anyNull(pSrcPosition, pDst, pLastDC, pMarker)) return StatusNullPointer;
   if (!isPointTransform(Al)) return StatusBadArgument;
   if (anyNull(pDcSpec, pState)) return StatusNullPointer;
-  SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
-  BitReader reader(source, *pState);
+  BitReader reader({pSrc, srcLength, *pSrcPosition, *pMarker}, *pState);
   const StatusCode status = decodeDcFirst(reader, pDst, *pLastDC, Al, *pDcSpec);
-  *pSrcPosition = source.position;
-  *pMarker = source.marker;
+  reader.finish(*pSrcPosition, *pMarker, *pState);
   return status;
 }
 
@@ -78,11 +66,9 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(const uint8_t* 
   if (anyNull(pSrcPosition, pDst, pMarker)) return StatusNullPointer;
   if (!isPointTransform(Al)) return StatusBadArgument;
   if (anyNull(pState)) return StatusNullPointer;
-  SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
-  BitReader reader(source, *pState);
+  BitReader reader({pSrc, srcLength, *pSrcPosition, *pMarker}, *pState);
   const StatusCode status = decodeDcRefine(reader, pDst, Al);
-  *pSrcPosition = source.position;
-  *pMarker = source.marker;
+  reader.finish(*pSrcPosition, *pMarker, *pState);
   return status;
 }
 
@@ -91,7 +77,8 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(const uint8_t* p
                                                                 int32_t Ss, int32_t Se, int32_t Al,
                                                                 const HuffmanDecodeSpec* pAcSpec,
                                                                 HuffmanDecodeState* pState) {
-  return decodeAc(pSrc, srcLength, pSrcPosition, pDst, pMarker, {Ss, Se, Al}, pAcSpec, pState, &decodeAcFirst);
+  return decodeAc(pSrc, srcLength, pSrcPosition, pDst, pMarker, {Ss, Se, Al}, pAcSpec, pState,
+                  progressiveDecodeKernels().acFirst);
 }
 
 StatusCode ZORJ_CALL zoriDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const uint8_t* pSrc, int32_t srcLength,
