@@ -1,7 +1,6 @@
 #include "jpeg/progressive_decode_kernels.h"
 
 #include <bit>
-#include <utility>
 
 #include "core/isa.h"
 #include "core/unaligned.h"
@@ -116,11 +115,7 @@ class BandRefiner {
   }
 
   HWY_INLINE void storeNew(uint64_t place, uint32_t positive) {
-    uint32_t position = static_cast<uint32_t>(std::countl_zero(place));
-    if (place == 0) [[unlikely]] {
-      position = static_cast<uint32_t>(band_.last) + 1;
-      addBits(std::exchange(set_, 0));  // before the last of them may be replaced
-    }
+    const auto position = static_cast<uint32_t>(place != 0 ? std::countl_zero(place) : band_.last + 1);
     const int32_t one = 1 << band_.shift;
     storeUnaligned(coefficientAt(block_, position), static_cast<int16_t>(positive ? one : -one));
   }
