@@ -49,7 +49,7 @@ class BitReader {
   // Consumes `count` bits that are held, at most 32.
   [[gnu::always_inline]] uint32_t take(int32_t count) {
     bitCount_ -= count;
-    return bitBuffer_ >> bitCount_ & static_cast<uint32_t>((uint64_t{1} << count) - 1);
+    return static_cast<uint32_t>(uint64_t{bitBuffer_} >> bitCount_ & ((uint64_t{1} << count) - 1));
   }
 
   [[gnu::always_inline]] StatusCode decodeSymbol(const HuffmanDecodeSpec& spec, uint32_t& symbol) {

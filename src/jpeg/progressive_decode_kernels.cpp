@@ -123,14 +123,17 @@ class BandRefiner {
   // Takes a correction bit for each coefficient of `places` that is not zero.
   HWY_INLINE StatusCode correct(uint64_t places) {
     uint64_t corrected = places & nonZero_;
-    while (corrected != 0) {
+    int32_t wanted = std::popcount(corrected);
+    while (wanted > reader_.held()) {
+      // The last of them have to wait for more bits.
+      const int32_t missing = wanted - reader_.held();
+      const uint64_t rest = scatterBits((uint64_t{1} << missing) - 1, corrected);
+      set_ |= scatterBits(reader_.take(reader_.held()), corrected ^ rest);
       if (const StatusCode status = reader_.require(1)) return status;
-      const int32_t wanted = std::popcount(corrected), count = HWY_MIN(wanted, reader_.held());
-      // Those for which there are no bits left come next time.
-      const uint64_t rest = count == wanted ? 0 : scatterBits((uint64_t{1} << (wanted - count)) - 1, corrected);
-      set_ |= scatterBits(reader_.take(count), corrected ^ rest);
       corrected = rest;
+      wanted = missing;
     }
+    set_ |= scatterBits(reader_.take(wanted), corrected);
     return StatusOk;
   }
 
