@@ -30,6 +30,55 @@
 extern "C" {
 #endif
 
+ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr_JPEG_8u_C3P3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* const pDst[3],
+                                                           int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriBGRToYCbCr_JPEG_8u_C3P3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* const pDst[3],
+                                                           int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr_JPEG_8u_P3R(const uint8_t* const pSrc[3], int32_t srcStep,
+                                                         uint8_t* const pDst[3], int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriRGBToY_JPEG_8u_C3C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriBGRToY_JPEG_8u_C3C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriRGBToY_JPEG_8u_P3C1R(const uint8_t* const pSrc[3], int32_t srcStep, uint8_t* pDst,
+                                                       int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriBGR555ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                 uint8_t* const pDst[3], int32_t dstStep,
+                                                                 RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriBGR565ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                 uint8_t* const pDst[3], int32_t dstStep,
+                                                                 RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriRGB555ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                 uint8_t* const pDst[3], int32_t dstStep,
+                                                                 RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriRGB565ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                 uint8_t* const pDst[3], int32_t dstStep,
+                                                                 RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToRGB_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep, uint8_t* pDst,
+                                                           int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToBGR_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep, uint8_t* pDst,
+                                                           int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToRGB_JPEG_8u_P3R(const uint8_t* const pSrc[3], int32_t srcStep,
+                                                         uint8_t* const pDst[3], int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToRGB555_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep,
+                                                                 uint16_t* pDst, int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToRGB565_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep,
+                                                                 uint16_t* pDst, int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToBGR555_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep,
+                                                                 uint16_t* pDst, int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToBGR565_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep,
+                                                                 uint16_t* pDst, int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr422ToRGB_JPEG_8u_C2C3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
+                                                              int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriCMYKToYCCK_JPEG_8u_C4P4R(const uint8_t* pSrc, int32_t srcStep, uint8_t* const pDst[4],
+                                                           int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriCMYKToYCCK_JPEG_8u_P4R(const uint8_t* const pSrc[4], int32_t srcStep,
+                                                         uint8_t* const pDst[4], int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCCKToCMYK_JPEG_8u_P4C4R(const uint8_t* const pSrc[4], int32_t srcStep, uint8_t* pDst,
+                                                           int32_t dstStep, RoiSize roiSize);
+ZORJ_API StatusCode ZORJ_CALL zoriYCCKToCMYK_JPEG_8u_P4R(const uint8_t* const pSrc[4], int32_t srcStep,
+                                                         uint8_t* const pDst[4], int32_t dstStep, RoiSize roiSize);
+
 /**
  * Converts the 8 x 8 pixels of one MCU from RGB to level-shifted YCbCr.
  *

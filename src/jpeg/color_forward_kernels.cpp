@@ -1,0 +1,317 @@
+#include <algorithm>
+
+#include "core/isa.h"
+#include "core/unaligned.h"
+#include "jpeg/color_kernels.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "jpeg/color_forward_kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "core/simd-inl.h"
+#include "jpeg/color_lanes-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zorj::HWY_NAMESPACE {
+namespace {
+
+struct Weights {
+  int16_t red, green, blue, rounding;
+};
+struct Fine {
+  static constexpr int kShift = 15;
+  static constexpr Weights kLuma = {9798, 19235, 3736, 16266}, kBlueChroma = {-5529, -10855, 16384, 16384},
+                           kRedChroma = {16384, -13720, -2664, 16400};
+};
+struct Coarse {
+  static constexpr int kShift = 14;
+  static constexpr Weights kLuma = {4899, 9617, 1868, 8192}, kBlueChroma = {-2764, -5428, 8192, 8192},
+                           kRedChroma = {8192, -6860, -1332, 8192};
+};
+// Where both kinds are used, the fine weights serve whole groups of this many pixels.
+inline constexpr size_t kFineGroup = 8;
+
+struct Pixel {
+  int32_t red, green, blue;
+};
+
+#if ZORJ_SIMD
+
+// The pixels of a register: in every block, pairs i hold pixels 4i to 4i + 3, as (red, green) and (blue, 1).
+template <class D>
+struct PixelPairs {
+  Words<D> redGreen[4], blueOne[4];
+};
+
+template <class D>
+HWY_INLINE PixelPairs<D> pairUp(D d, Bytes<D> red, Bytes<D> green, Bytes<D> blue) {
+  const WordTag<D> d16;
+  const auto zero = hn::Zero(d), one = hn::Set(d, 1);
+  const auto widen = [&](Bytes<D> first, Bytes<D> second, Words<D>(&to)[4]) HWY_ATTR {
+    const auto lower = hn::InterleaveLower(d, first, second), upper = hn::InterleaveUpper(d, first, second);
+    to[0] = hn::BitCast(d16, hn::InterleaveLower(d, lower, zero));
+    to[1] = hn::BitCast(d16, hn::InterleaveUpper(d, lower, zero));
+    to[2] = hn::BitCast(d16, hn::InterleaveLower(d, upper, zero));
+    to[3] = hn::BitCast(d16, hn::InterleaveUpper(d, upper, zero));
+  };
+  PixelPairs<D> pairs;
+  widen(red, green, pairs.redGreen);
+  widen(blue, one, pairs.blueOne);
+  return pairs;
+}
+
+#endif
+
+template <class Order>
+struct FromInterleaved {
+  using Rows = PlaneRows<const uint8_t, 1>;
+
+  static Pixel pixel(const Rows& src, size_t x) {
+    const uint8_t* at = src[0] + 3 * x;
+    return {at[Order::red], at[Order::green], at[Order::blue]};
+  }
+
+#if ZORJ_SIMD
+  // Which bytes of four pixels, that start at byte `start`, make their pairs.
+  struct PairBytes {
+    uint8_t redGreen[16], blue[16];
+  };
+  static constexpr PairBytes pairBytes(size_t start) {
+    PairBytes bytes{};
+    for (size_t i = 0; i < 16; ++i) {
+      const size_t pixel = start + 3 * (i / 4);
+      bytes.redGreen[i] = static_cast<uint8_t>(i % 4 == 0   ? pixel + Order::red
+                                               : i % 4 == 2 ? pixel + Order::green
+                                                            : kNone);
+      bytes.blue[i] = static_cast<uint8_t>(i % 4 == 0 ? pixel + Order::blue : kNone);
+    }
+    return bytes;
+  }
+  // Four pixels at the start of 16 bytes and at their end.
+  static constexpr PairBytes kFirst = pairBytes(0), kLast = pairBytes(4);
+
+  template <class D>
+  static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
+    const auto one = pairOf(d, 0, 1);
+    PixelPairs<D> pairs;
+    for (size_t i = 0; i < 4; ++i) {
+      // The 16 bytes of the last four pixels end with them: nothing beyond is read.
+      const PairBytes& bytes = i < 3 ? kFirst : kLast;
+      const auto blocks = loadBlocks(d, src[0] + 3 * x + (i < 3 ? 12 * i : 32), 48);
+      pairs.redGreen[i] = hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.redGreen));
+      pairs.blueOne[i] = hn::Or(hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.blue)), one);
+    }
+    return pairs;
+  }
+#endif
+};
+
+struct FromPlanes {
+  using Rows = PlaneRows<const uint8_t, 3>;
+
+  static Pixel pixel(const Rows& src, size_t x) { return {src[0][x], src[1][x], src[2][x]}; }
+
+#if ZORJ_SIMD
+  template <class D>
+  static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
+    return pairUp(d, hn::LoadU(d, src[0] + x), hn::LoadU(d, src[1] + x), hn::LoadU(d, src[2] + x));
+  }
+#endif
+};
+
+template <class Format>
+struct FromPacked {
+  using Rows = PlaneRows<const uint16_t, 1>;
+
+  static Pixel pixel(const Rows& src, size_t x) {
+    const int32_t word = loadUnaligned(src[0] + x);
+    const int32_t low = word << Format::kLowShift & Format::kHighMask;
+    const int32_t green = word >> Format::kGreenShift & Format::kGreenMask;
+    const int32_t high = word >> Format::kHighShift & Format::kHighMask;
+    return Format::kRedIsLow ? Pixel{low, green, high} : Pixel{high, green, low};
+  }
+
+#if ZORJ_SIMD
+  template <class D>
+  static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
+    const WordTag<D> d16;
+    const auto end = hn::Set(d16, Format::kHighMask), middle = hn::Set(d16, Format::kGreenMask), one = hn::Set(d16, 1);
+    const auto* from = reinterpret_cast<const uint8_t*>(src[0]) + 2 * x;
+    PixelPairs<D> pairs;
+    for (size_t i = 0; i < 2; ++i) {
+      const auto words = hn::BitCast(d16, loadBlocks(d, from + 16 * i, 32));
+      const auto low = hn::And(hn::ShiftLeft<Format::kLowShift>(words), end);
+      const auto green = hn::And(hn::ShiftRight<Format::kGreenShift>(words), middle);
+      const auto high = hn::And(hn::ShiftRight<Format::kHighShift>(words), end);
+      const auto red = Format::kRedIsLow ? low : high, blue = Format::kRedIsLow ? high : low;
+      pairs.redGreen[2 * i] = hn::InterleaveLower(d16, red, green);
+      pairs.redGreen[2 * i + 1] = hn::InterleaveUpper(d16, red, green);
+      pairs.blueOne[2 * i] = hn::InterleaveLower(d16, blue, one);
+      pairs.blueOne[2 * i + 1] = hn::InterleaveUpper(d16, blue, one);
+    }
+    return pairs;
+  }
+#endif
+};
+
+// CMYK sources also give the K of their pixels.
+struct FromCmyk {
+  using Rows = PlaneRows<const uint8_t, 1>;
+
+  static Pixel pixel(const Rows& src, size_t x) {
+    const uint8_t* at = src[0] + kCmykBytes * x;
+    return {255 - at[0], 255 - at[1], 255 - at[2]};
+  }
+  static uint8_t key(const Rows& src, size_t x) { return src[0][kCmykBytes * x + 3]; }
+
+#if ZORJ_SIMD
+  template <class D>
+  static HWY_INLINE Bytes<D> fourPixels(D d, const Rows& src, size_t x, size_t i) {
+    return loadBlocks(d, src[0] + kCmykBytes * x + 16 * i, 64);
+  }
+  template <class D>
+  static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
+    static constexpr uint8_t kRedGreen[] = {0, kNone, 1, kNone, 4,  kNone, 5,  kNone,
+                                            8, kNone, 9, kNone, 12, kNone, 13, kNone};
+    static constexpr uint8_t kBlue[] = {2,  kNone, kNone, kNone, 6,  kNone, kNone, kNone,
+                                        10, kNone, kNone, kNone, 14, kNone, kNone, kNone};
+    const auto one = pairOf(d, 0, 1);
+    PixelPairs<D> pairs;
+    for (size_t i = 0; i < 4; ++i) {
+      const auto rgb = complement(d, fourPixels(d, src, x, i));
+      pairs.redGreen[i] = hn::BitCast(WordTag<D>(), arrange(d, rgb, kRedGreen));
+      pairs.blueOne[i] = hn::Or(hn::BitCast(WordTag<D>(), arrange(d, rgb, kBlue)), one);
+    }
+    return pairs;
+  }
+  template <class D>
+  static HWY_INLINE Bytes<D> keys(D d, const Rows& src, size_t x) {
+    const WordTag<D> d16;
+    const hn::Repartition<uint32_t, D> u32;
+    const auto key = [&](size_t i) HWY_ATTR {
+      return hn::BitCast(PairTag<D>(), hn::ShiftRight<24>(hn::BitCast(u32, fourPixels(d, src, x, i))));
+    };
+    return packUnsigned(hn::ReorderDemote2To(d16, key(0), key(1)), hn::ReorderDemote2To(d16, key(2), key(3)));
+  }
+#endif
+};
+
+struct FromCmykPlanes {
+  using Rows = PlaneRows<const uint8_t, 4>;
+
+  static Pixel pixel(const Rows& src, size_t x) { return {255 - src[0][x], 255 - src[1][x], 255 - src[2][x]}; }
+  static uint8_t key(const Rows& src, size_t x) { return src[3][x]; }
+
+#if ZORJ_SIMD
+  template <class D>
+  static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
+    return pairUp(d, complement(d, hn::LoadU(d, src[0] + x)), complement(d, hn::LoadU(d, src[1] + x)),
+                  complement(d, hn::LoadU(d, src[2] + x)));
+  }
+  template <class D>
+  static HWY_INLINE Bytes<D> keys(D d, const Rows& src, size_t x) {
+    return hn::LoadU(d, src[3] + x);
+  }
+#endif
+};
+
+template <int kShift>
+int32_t weigh(const Pixel& p, const Weights& w) {
+  return (w.red * p.red + w.green * p.green + w.blue * p.blue + w.rounding) >> kShift;
+}
+
+// Pixels x to end - 1 one at a time. One plane takes the luminance alone, a fourth K.
+template <class Precision, class Source, size_t kPlanes>
+void convertPixels(const typename Source::Rows& src, const PlaneRows<uint8_t, kPlanes>& dst, size_t x, size_t end) {
+  for (; x < end; ++x) {
+    const Pixel pixel = Source::pixel(src, x);
+    if constexpr (kPlanes == 4) dst[3][x] = Source::key(src, x);
+    dst[0][x] = clampToByte(weigh<Precision::kShift>(pixel, Precision::kLuma));
+    if constexpr (kPlanes >= 3) {
+      dst[1][x] = clampToByte(weigh<Precision::kShift>(pixel, Precision::kBlueChroma) + 128);
+      dst[2][x] = clampToByte(weigh<Precision::kShift>(pixel, Precision::kRedChroma) + 128);
+    }
+  }
+}
+
+#if ZORJ_SIMD
+
+// 16-bit results of the pixels of pairs i and i + 1.
+template <int kShift, class D>
+HWY_INLINE Words<D> weigh(D d, const PixelPairs<D>& pixels, size_t i, const Weights& w) {
+  const PairTag<D> d32;
+  const auto redGreen = pairOf(d, w.red, w.green), blueOne = pairOf(d, w.blue, w.rounding);
+  const auto sum = [&](size_t at) HWY_ATTR {
+    auto unused = hn::Zero(d32);
+    const auto product = hn::ReorderWidenMulAccumulate(d32, pixels.redGreen[at], redGreen, hn::Zero(d32), unused);
+    return hn::ShiftRight<kShift>(addPairProducts(product, pixels.blueOne[at], blueOne));
+  };
+  return hn::ReorderDemote2To(WordTag<D>(), sum(i), sum(i + 1));
+}
+
+template <int kShift, class D>
+HWY_INLINE Bytes<D> luma(D d, const PixelPairs<D>& pixels, const Weights& w) {
+  return packUnsigned(weigh<kShift>(d, pixels, 0, w), weigh<kShift>(d, pixels, 2, w));
+}
+
+// The chroma saturates as a signed byte before its centre moves to 128.
+template <int kShift, class D>
+HWY_INLINE Bytes<D> chroma(D d, const PixelPairs<D>& pixels, const Weights& w) {
+  const auto centred = packSigned(weigh<kShift>(d, pixels, 0, w), weigh<kShift>(d, pixels, 2, w));
+  return hn::Xor(hn::BitCast(d, centred), hn::Set(d, 0x80));
+}
+
+// Whole registers of the pixels x to end - 1; returns where they end.
+template <class Precision, class Source, class D, size_t kPlanes>
+HWY_INLINE size_t convertRegisters(D d, const typename Source::Rows& src, const PlaneRows<uint8_t, kPlanes>& dst,
+                                   size_t x, size_t end) {
+  for (; x + hn::Lanes(d) <= end; x += hn::Lanes(d)) {
+    const PixelPairs<D> pixels = Source::load(d, src, x);
+    if constexpr (kPlanes == 4) hn::StoreU(Source::keys(d, src, x), d, dst[3] + x);
+    hn::StoreU(luma<Precision::kShift>(d, pixels, Precision::kLuma), d, dst[0] + x);
+    if constexpr (kPlanes >= 3) {
+      hn::StoreU(chroma<Precision::kShift>(d, pixels, Precision::kBlueChroma), d, dst[1] + x);
+      hn::StoreU(chroma<Precision::kShift>(d, pixels, Precision::kRedChroma), d, dst[2] + x);
+    }
+  }
+  return x;
+}
+
+#endif
+
+// The pixels that make no whole group of eight are converted with LeftoverPrecision.
+template <class Source, size_t kPlanes, class Precision, class LeftoverPrecision>
+void convertRow(typename Source::Rows src, PlaneRows<uint8_t, kPlanes> dst, size_t width) {
+  const size_t grouped = width - width % kFineGroup;
+  size_t x = 0;
+#if ZORJ_SIMD
+  x = convertRegisters<Precision, Source>(Widest(), src, dst, x, grouped);
+  x = convertRegisters<Precision, Source>(OneBlock(), src, dst, x, grouped);
+#endif
+  convertPixels<Precision, Source>(src, dst, x, grouped);
+  convertPixels<LeftoverPrecision, Source>(src, dst, grouped, width);
+}
+
+constexpr ColorForwardKernels kernels = {
+    &convertRow<FromInterleaved<Rgb>, 3, Fine, Coarse>, &convertRow<FromInterleaved<Bgr>, 3, Fine, Coarse>,
+    &convertRow<FromPlanes, 3, Fine, Coarse>,           &convertRow<FromInterleaved<Rgb>, 1, Fine, Fine>,
+    &convertRow<FromInterleaved<Bgr>, 1, Fine, Fine>,   &convertRow<FromPlanes, 1, Fine, Fine>,
+    &convertRow<FromPacked<Bgr555>, 3, Coarse, Coarse>, &convertRow<FromPacked<Bgr565>, 3, Coarse, Coarse>,
+    &convertRow<FromPacked<Rgb555>, 3, Coarse, Coarse>, &convertRow<FromPacked<Rgb565>, 3, Coarse, Coarse>,
+    &convertRow<FromCmyk, 4, Coarse, Coarse>,           &convertRow<FromCmykPlanes, 4, Coarse, Coarse>,
+};
+
+}  // namespace
+}  // namespace zorj::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zorj {
+
+static constexpr PerIsa<const ColorForwardKernels> perIsa{ZORJ_PER_ISA(kernels)};
+
+const ColorForwardKernels& colorForwardKernels() { return *perIsa; }
+
+}  // namespace zorj
+#endif

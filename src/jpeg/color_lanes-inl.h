@@ -1,0 +1,95 @@
+// What the forward and the inverse kernels of whole-image colour conversion share: where channels lie, and registers
+// whose 16-byte blocks each hold sixteen pixels. Included after core/simd-inl.h, once per target.
+
+HWY_BEFORE_NAMESPACE();
+namespace zorj::HWY_NAMESPACE {
+namespace {
+
+// Bytes of a pixel.
+struct Rgb {
+  static constexpr size_t red = 0, green = 1, blue = 2;
+};
+struct Bgr {
+  static constexpr size_t red = 2, green = 1, blue = 0;
+};
+
+// Fields of a packed pixel, the lowest and the highest of 5 bits. Red is the lowest or blue is.
+template <int kGreenBits, bool kRedLowest>
+struct Packed {
+  static constexpr bool kRedIsLow = kRedLowest;
+  static constexpr int kHighMask = 0xF8, kGreenMask = 0x100 - (1 << (8 - kGreenBits));
+  // How far the 8-bit value of a field lies from its place.
+  static constexpr int kLowShift = 3, kGreenShift = kGreenBits - 3, kHighShift = kGreenBits + 2;
+};
+using Bgr555 = Packed<5, false>;
+using Bgr565 = Packed<6, false>;
+using Rgb555 = Packed<5, true>;
+using Rgb565 = Packed<6, true>;
+
+inline constexpr size_t kCmykBytes = 4;
+
+inline uint8_t clampToByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
+
+#if ZORJ_SIMD
+
+// Byte tags: the widest there is, and one block.
+using Widest = hn::ScalableTag<uint8_t>;
+using OneBlock = hn::FixedTag<uint8_t, 16>;
+
+template <class D>
+using Bytes = hn::Vec<D>;
+template <class D>
+using WordTag = hn::Repartition<int16_t, D>;
+template <class D>
+using Words = hn::Vec<WordTag<D>>;
+template <class D>
+using PairTag = hn::Repartition<int32_t, D>;
+
+// Block i holds the 16 bytes at from + i * distance.
+template <class D>
+HWY_INLINE Bytes<D> loadBlocks(D d, const uint8_t* from, size_t distance) {
+  if constexpr (hn::MaxLanes(D()) == 16) {
+    return hn::LoadU(d, from);
+  } else {
+    const hn::Half<D> half;
+    return hn::Combine(d, loadBlocks(half, from + hn::MaxLanes(half) / 16 * distance, distance),
+                       loadBlocks(half, from, distance));
+  }
+}
+
+// Writes block i to the 16 bytes at to + i * distance.
+template <class D>
+HWY_INLINE void storeBlocks(D d, Bytes<D> blocks, uint8_t* to, size_t distance) {
+  if constexpr (hn::MaxLanes(D()) == 16) {
+    hn::StoreU(blocks, d, to);
+  } else {
+    const hn::Half<D> half;
+    storeBlocks(half, hn::LowerHalf(half, blocks), to, distance);
+    storeBlocks(half, hn::UpperHalf(half, blocks), to + hn::MaxLanes(half) / 16 * distance, distance);
+  }
+}
+
+// Byte i of every block becomes byte bytes[i] of it, or 0 where that is kNone.
+inline constexpr uint8_t kNone = 0x80;
+template <class D>
+HWY_INLINE Bytes<D> arrange(D d, Bytes<D> blocks, const uint8_t (&bytes)[16]) {
+  return hn::TableLookupBytesOr0(blocks, hn::LoadDup128(d, bytes));
+}
+
+// Every 32-bit lane two 16-bit values.
+template <class D>
+HWY_INLINE Words<D> pairOf(D, int16_t first, int16_t second) {
+  const uint32_t both = static_cast<uint16_t>(first) | static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16;
+  return hn::BitCast(WordTag<D>(), hn::Set(hn::Repartition<uint32_t, D>(), both));
+}
+
+template <class D>
+HWY_INLINE Bytes<D> complement(D d, Bytes<D> v) {
+  return hn::Xor(v, hn::Set(d, 0xFF));
+}
+
+#endif
+
+}  // namespace
+}  // namespace zorj::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
