@@ -1,11 +1,33 @@
 /**
  * @file jpeg_color.h
- * JPEG colour conversion of one minimum coded unit (MCU) at a time, between interleaved 8-bit pixels and the blocks the
- * DCT works on.
+ * JPEG colour conversion: of whole images, between pixels and planes of full-range YCbCr (JFIF) or YCCK, and of one
+ * minimum coded unit (MCU) at a time, between pixels and the level-shifted blocks the DCT works on.
  *
- * Blocks are 64 contiguous signed 16-bit samples in row-major order, level-shifted by 128, at any byte address. An MCU
- * is an array of three pointers, to the blocks of Y, Cb and Cr; the blocks of one component follow one another without
- * a gap.
+ * Whole images are described by a pointer, or an array of pointers to planes that share one step, and a step in bytes
+ * from row to row; pixels may lie at any byte address. To convert an image of 640 x 480 pixels:
+ *
+ * @code
+ * uint8_t* const planes[3] = {y, cb, cr};
+ * const RoiSize size = {640, 480};
+ * zoriRGBToYCbCr_JPEG_8u_C3P3R(pixels, 3 * 640, planes, 640, size);
+ * @endcode
+ *
+ * Packed pixels are 16-bit words in the processor's byte order, whose lowest field is the first of the name and whose
+ * highest the last:
+ *
+ * | name   | bits 0 to 4 | green        | bits above green | bit 15 |
+ * |--------|-------------|--------------|------------------|--------|
+ * | BGR555 | blue        | bits 5 to 9  | red              | unused |
+ * | RGB555 | red         | bits 5 to 9  | blue             | unused |
+ * | BGR565 | blue        | bits 5 to 10 | red              |        |
+ * | RGB565 | red         | bits 5 to 10 | blue             |        |
+ *
+ * A field of 5 bits stands for 8 times its value, one of 6 bits for 4 times; a channel is packed by dropping its low
+ * bits, and unused bits are written as 0.
+ *
+ * The blocks of MCUs are 64 contiguous signed 16-bit samples in row-major order, level-shifted by 128, at any byte
+ * address. An MCU is an array of three pointers, to the blocks of Y, Cb and Cr; the blocks of one component follow one
+ * another without a gap.
  *
  * | token | pixels  | Y blocks                                                | Cb, Cr                       |
  * |-------|---------|---------------------------------------------------------|------------------------------|
@@ -30,54 +52,346 @@
 extern "C" {
 #endif
 
+/**
+ * @name RGB to YCbCr, whole images
+ * The luminance of BT.601 and the chroma of JFIF, centred on 128, clamped to 0 .. 255, in fixed point with one of two
+ * precisions. Fine: Y = (9798 R + 19235 G + 3736 B + 16266) >> 15, Cb = (-5529 R - 10855 G + 16384 B + 4210688) >> 15,
+ * Cr = (16384 R - 13720 G - 2664 B + 4210704) >> 15. Coarse: Y = (4899 R + 9617 G + 1868 B + 8192) >> 14, Cb = (-2764
+ * R - 5428 G + 8192 B + 2105344) >> 14, Cr = (8192 R - 6860 G - 1332 B + 2105344) >> 14. The two differ by one at
+ * most, on purpose: a pixel's result can depend on its place in the row.
+ *
+ * Checks, in this order: the source pointer or the array and its planes in turn null, then the destination likewise
+ * (StatusNullPointer); a step below 1 (StatusBadStep); an empty size (StatusBadSize). Nothing is written when a check
+ * fails. Rows of images of more than 8192 pixels are shared among threads. Planes of the destination may be planes of
+ * the source, in place; other overlaps are not allowed. Only the bytes of the pixels are read and written.
+ * @{
+ */
+
+/**
+ * Converts RGB to YCbCr. Whole groups of eight pixels, counted from the start of the row, are converted with the fine
+ * precision, the width mod 8 pixels left with the coarse one.
+ *
+ * @param pSrc     pixels of R, G, B, 3 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the planes of Y, Cb and Cr
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr_JPEG_8u_C3P3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* const pDst[3],
                                                            int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts BGR to YCbCr, as zoriRGBToYCbCr_JPEG_8u_C3P3R() does with RGB.
+ *
+ * @param pSrc     pixels of B, G, R, 3 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the planes of Y, Cb and Cr
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriBGRToYCbCr_JPEG_8u_C3P3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* const pDst[3],
                                                            int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts planes of RGB to YCbCr, with the precisions of zoriRGBToYCbCr_JPEG_8u_C3P3R().
+ *
+ * @param pSrc     the planes of R, G and B
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     the planes of Y, Cb and Cr
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr_JPEG_8u_P3R(const uint8_t* const pSrc[3], int32_t srcStep,
                                                          uint8_t* const pDst[3], int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Takes the luminance of RGB, with the fine precision for every pixel.
+ *
+ * @param pSrc     pixels of R, G, B, 3 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the plane of Y
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriRGBToY_JPEG_8u_C3C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
                                                        int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Takes the luminance of BGR, with the fine precision for every pixel.
+ *
+ * @param pSrc     pixels of B, G, R, 3 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the plane of Y
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriBGRToY_JPEG_8u_C3C1R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
                                                        int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Takes the luminance of planes of RGB, with the fine precision for every pixel.
+ *
+ * @param pSrc     the planes of R, G and B
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     the plane of Y
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriRGBToY_JPEG_8u_P3C1R(const uint8_t* const pSrc[3], int32_t srcStep, uint8_t* pDst,
                                                        int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts packed BGR555 to YCbCr, with the coarse precision for every pixel. Runs in the calling thread.
+ *
+ * @param pSrc     pixels of BGR555, 2 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the planes of Y, Cb and Cr
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriBGR555ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int32_t srcStep,
                                                                  uint8_t* const pDst[3], int32_t dstStep,
                                                                  RoiSize roiSize);
+
+/**
+ * Converts packed BGR565 to YCbCr, with the coarse precision for every pixel. Runs in the calling thread.
+ *
+ * @param pSrc     pixels of BGR565, 2 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the planes of Y, Cb and Cr
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriBGR565ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int32_t srcStep,
                                                                  uint8_t* const pDst[3], int32_t dstStep,
                                                                  RoiSize roiSize);
+
+/**
+ * Converts packed RGB555 to YCbCr, with the coarse precision for every pixel. Runs in the calling thread.
+ *
+ * @param pSrc     pixels of RGB555, 2 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the planes of Y, Cb and Cr
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriRGB555ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int32_t srcStep,
                                                                  uint8_t* const pDst[3], int32_t dstStep,
                                                                  RoiSize roiSize);
+
+/**
+ * Converts packed RGB565 to YCbCr, with the coarse precision for every pixel. Runs in the calling thread.
+ *
+ * @param pSrc     pixels of RGB565, 2 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the planes of Y, Cb and Cr
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriRGB565ToYCbCr_JPEG_16u8u_C3P3R(const uint16_t* pSrc, int32_t srcStep,
                                                                  uint8_t* const pDst[3], int32_t dstStep,
                                                                  RoiSize roiSize);
+
+/** @} */
+
+/**
+ * @name YCbCr to RGB, whole images
+ * The inverse of JFIF's matrix, every channel clamped to 0 .. 255. To 8 bits a channel: R = Y + ((22970 Cr - 2932015)
+ * >> 14), G = Y + ((-5638 Cb - 11700 Cr + 2227566) >> 14), B = Y + ((29032 Cb - 3707961) >> 14). The offsets hold the
+ * centre of 128 and a rounding close to one half. To packed pixels, before the low bits are dropped and with the
+ * chroma minus 128: R = Y + ((91881 Cr + 32768) >> 16), G = Y + ((-22554 Cb - 46802 Cr + 32768) >> 16), B = Y +
+ * ((116130 Cb + 32768) >> 16).
+ *
+ * Checks, in this order: the source pointer or the array and its planes in turn null, then the destination likewise
+ * (StatusNullPointer); a step below 1 (StatusBadStep); an empty size (StatusBadSize). Nothing is written when a check
+ * fails. Rows of images of more than 8192 pixels are shared among threads. Planes of the destination may be planes of
+ * the source, in place; other overlaps are not allowed. Only the bytes of the pixels are read and written.
+ * @{
+ */
+
+/**
+ * Converts YCbCr to RGB.
+ *
+ * @param pSrc     the planes of Y, Cb and Cr
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     pixels of R, G, B, 3 bytes each
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToRGB_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep, uint8_t* pDst,
                                                            int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts YCbCr to BGR.
+ *
+ * @param pSrc     the planes of Y, Cb and Cr
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     pixels of B, G, R, 3 bytes each
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToBGR_JPEG_8u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep, uint8_t* pDst,
                                                            int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts YCbCr to planes of RGB.
+ *
+ * @param pSrc     the planes of Y, Cb and Cr
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     the planes of R, G and B
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToRGB_JPEG_8u_P3R(const uint8_t* const pSrc[3], int32_t srcStep,
                                                          uint8_t* const pDst[3], int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts YCbCr to packed RGB555.
+ *
+ * @param pSrc     the planes of Y, Cb and Cr
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     pixels of RGB555, 2 bytes each
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToRGB555_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep,
                                                                  uint16_t* pDst, int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts YCbCr to packed RGB565.
+ *
+ * @param pSrc     the planes of Y, Cb and Cr
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     pixels of RGB565, 2 bytes each
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToRGB565_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep,
                                                                  uint16_t* pDst, int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts YCbCr to packed BGR555.
+ *
+ * @param pSrc     the planes of Y, Cb and Cr
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     pixels of BGR555, 2 bytes each
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToBGR555_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep,
                                                                  uint16_t* pDst, int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts YCbCr to packed BGR565.
+ *
+ * @param pSrc     the planes of Y, Cb and Cr
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     pixels of BGR565, 2 bytes each
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCrToBGR565_JPEG_8u16u_P3C3R(const uint8_t* const pSrc[3], int32_t srcStep,
                                                                  uint16_t* pDst, int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts interleaved YCbCr of which two neighbouring pixels share the chroma to RGB. The chroma is repeated, not
+ * interpolated.
+ *
+ * @param pSrc     Y, Cb, Y, Cr for every two pixels of a row: 4 (width + 1) / 2 bytes, at an odd width too, where the
+ *                 last Y is ignored
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     pixels of R, G, B, 3 bytes each
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCr422ToRGB_JPEG_8u_C2C3R(const uint8_t* pSrc, int32_t srcStep, uint8_t* pDst,
                                                               int32_t dstStep, RoiSize roiSize);
+
+/** @} */
+
+/**
+ * @name CMYK and YCCK, whole images
+ * YCCK is the YCbCr of the complements R = 255 - C, G = 255 - M, B = 255 - Y, with K as it is. The coarse precision of
+ * RGB to YCbCr serves every pixel one way, the 8-bit formulas of YCbCr to RGB the other.
+ *
+ * Checks, in this order: the source pointer or the array and its planes in turn null, then the destination likewise
+ * (StatusNullPointer); a step below 1 (StatusBadStep); an empty size (StatusBadSize). Nothing is written when a check
+ * fails. Rows of images of more than 8192 pixels are shared among threads. Planes of the destination may be planes of
+ * the source, in place; other overlaps are not allowed. Only the bytes of the pixels are read and written.
+ * @{
+ */
+
+/**
+ * Converts CMYK to YCCK.
+ *
+ * @param pSrc     pixels of C, M, Y, K, 4 bytes each
+ * @param srcStep  bytes from source row to source row
+ * @param pDst     the planes of Y, Cb, Cr and K
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriCMYKToYCCK_JPEG_8u_C4P4R(const uint8_t* pSrc, int32_t srcStep, uint8_t* const pDst[4],
                                                            int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts planes of CMYK to YCCK.
+ *
+ * @param pSrc     the planes of C, M, Y and K
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     the planes of Y, Cb, Cr and K
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriCMYKToYCCK_JPEG_8u_P4R(const uint8_t* const pSrc[4], int32_t srcStep,
                                                          uint8_t* const pDst[4], int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts YCCK to CMYK.
+ *
+ * @param pSrc     the planes of Y, Cb, Cr and K
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     pixels of C, M, Y, K, 4 bytes each
+ * @param dstStep  bytes from destination row to destination row
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCCKToCMYK_JPEG_8u_P4C4R(const uint8_t* const pSrc[4], int32_t srcStep, uint8_t* pDst,
                                                            int32_t dstStep, RoiSize roiSize);
+
+/**
+ * Converts YCCK to planes of CMYK.
+ *
+ * @param pSrc     the planes of Y, Cb, Cr and K
+ * @param srcStep  bytes from source row to source row, of every plane
+ * @param pDst     the planes of C, M, Y and K
+ * @param dstStep  bytes from destination row to destination row, of every plane
+ * @param roiSize  pixels of the image
+ * @return StatusOk, StatusNullPointer, StatusBadStep or StatusBadSize
+ */
 ZORJ_API StatusCode ZORJ_CALL zoriYCCKToCMYK_JPEG_8u_P4R(const uint8_t* const pSrc[4], int32_t srcStep,
                                                          uint8_t* const pDst[4], int32_t dstStep, RoiSize roiSize);
+
+/** @} */
 
 /**
  * Converts the 8 x 8 pixels of one MCU from RGB to level-shifted YCbCr.
