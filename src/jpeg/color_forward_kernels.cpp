@@ -32,9 +32,7 @@ struct Coarse {
 // Where both kinds are used, the fine weights serve whole groups of this many pixels.
 inline constexpr size_t kFineGroup = 8;
 
-struct Pixel {
-  int32_t red, green, blue;
-};
+using Pixel = Channels<int32_t>;
 
 #if ZORJ_SIMD
 
@@ -124,31 +122,21 @@ template <class Format>
 struct FromPacked {
   using Rows = PlaneRows<const uint16_t, 1>;
 
-  static Pixel pixel(const Rows& src, size_t x) {
-    const int32_t word = loadUnaligned(src[0] + x);
-    const int32_t low = word << Format::kLowShift & Format::kHighMask;
-    const int32_t green = word >> Format::kGreenShift & Format::kGreenMask;
-    const int32_t high = word >> Format::kHighShift & Format::kHighMask;
-    return Format::kRedIsLow ? Pixel{low, green, high} : Pixel{high, green, low};
-  }
+  static Pixel pixel(const Rows& src, size_t x) { return Format::unpack(loadUnaligned(src[0] + x)); }
 
 #if ZORJ_SIMD
   template <class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
     const WordTag<D> d16;
-    const auto end = hn::Set(d16, Format::kHighMask), middle = hn::Set(d16, Format::kGreenMask), one = hn::Set(d16, 1);
+    const auto one = hn::Set(d16, 1);
     const auto* from = reinterpret_cast<const uint8_t*>(src[0]) + 2 * x;
     PixelPairs<D> pairs;
     for (size_t i = 0; i < 2; ++i) {
-      const auto words = hn::BitCast(d16, loadBlocks(d, from + 16 * i, 32));
-      const auto low = hn::And(hn::ShiftLeft<Format::kLowShift>(words), end);
-      const auto green = hn::And(hn::ShiftRight<Format::kGreenShift>(words), middle);
-      const auto high = hn::And(hn::ShiftRight<Format::kHighShift>(words), end);
-      const auto red = Format::kRedIsLow ? low : high, blue = Format::kRedIsLow ? high : low;
-      pairs.redGreen[2 * i] = hn::InterleaveLower(d16, red, green);
-      pairs.redGreen[2 * i + 1] = hn::InterleaveUpper(d16, red, green);
-      pairs.blueOne[2 * i] = hn::InterleaveLower(d16, blue, one);
-      pairs.blueOne[2 * i + 1] = hn::InterleaveUpper(d16, blue, one);
+      const auto pixels = Format::unpackLanes(hn::BitCast(d16, loadBlocks(d, from + 16 * i, 32)));
+      pairs.redGreen[2 * i] = hn::InterleaveLower(d16, pixels.red, pixels.green);
+      pairs.redGreen[2 * i + 1] = hn::InterleaveUpper(d16, pixels.red, pixels.green);
+      pairs.blueOne[2 * i] = hn::InterleaveLower(d16, pixels.blue, one);
+      pairs.blueOne[2 * i + 1] = hn::InterleaveUpper(d16, pixels.blue, one);
     }
     return pairs;
   }

@@ -48,9 +48,7 @@ struct Coarse {
 struct Ycc {
   int32_t luma, cb, cr;
 };
-struct Pixel {
-  uint8_t red, green, blue;
-};
+using Pixel = Channels<uint8_t>;
 
 #if ZORJ_SIMD
 template <class D>
@@ -58,9 +56,9 @@ struct YccBytes {
   Bytes<D> luma, cb, cr;
 };
 template <class D>
-struct RgbBytes {
-  Bytes<D> red, green, blue;
-};
+using RgbBytes = Channels<Bytes<D>>;
+template <class D>
+using RgbWords = Channels<Words<D>>;
 #endif
 
 template <size_t kPlanes>
@@ -172,29 +170,17 @@ struct ToPacked {
 
   template <class Source>
   static void store(const Pixel& pixel, const Source&, const Rows& dst, size_t x) {
-    const int32_t low = Format::kRedIsLow ? pixel.red : pixel.blue, high = Format::kRedIsLow ? pixel.blue : pixel.red;
-    const int32_t word = low >> Format::kLowShift | (pixel.green & Format::kGreenMask) << Format::kGreenShift |
-                         (high & Format::kHighMask) << Format::kHighShift;
-    storeUnaligned(dst[0] + x, static_cast<uint16_t>(word));
+    storeUnaligned(dst[0] + x, Format::pack({pixel.red, pixel.green, pixel.blue}));
   }
 
 #if ZORJ_SIMD
   template <class Source, class D>
   static HWY_INLINE void store(D d, const RgbBytes<D>& pixels, const Source&, const Rows& dst, size_t x) {
-    const hn::Repartition<uint16_t, D> d16;
     const auto zero = hn::Zero(d);
-    const auto low = Format::kRedIsLow ? pixels.red : pixels.blue, high = Format::kRedIsLow ? pixels.blue : pixels.red;
-    const auto pack = [&](auto lowWords, auto greenWords, auto highWords) HWY_ATTR {
-      const auto green = hn::And(hn::BitCast(d16, greenWords), hn::Set(d16, Format::kGreenMask));
-      const auto top = hn::And(hn::BitCast(d16, highWords), hn::Set(d16, Format::kHighMask));
-      return hn::Or(hn::Or(hn::ShiftRight<Format::kLowShift>(hn::BitCast(d16, lowWords)),
-                           hn::ShiftLeft<Format::kGreenShift>(green)),
-                    hn::ShiftLeft<Format::kHighShift>(top));
-    };
-    const auto first = pack(hn::InterleaveLower(d, low, zero), hn::InterleaveLower(d, pixels.green, zero),
-                            hn::InterleaveLower(d, high, zero));
-    const auto second = pack(hn::InterleaveUpper(d, low, zero), hn::InterleaveUpper(d, pixels.green, zero),
-                             hn::InterleaveUpper(d, high, zero));
+    const auto lower = [&](Bytes<D> v) HWY_ATTR { return hn::BitCast(WordTag<D>(), hn::InterleaveLower(d, v, zero)); };
+    const auto upper = [&](Bytes<D> v) HWY_ATTR { return hn::BitCast(WordTag<D>(), hn::InterleaveUpper(d, v, zero)); };
+    const auto first = Format::packLanes(RgbWords<D>{lower(pixels.red), lower(pixels.green), lower(pixels.blue)});
+    const auto second = Format::packLanes(RgbWords<D>{upper(pixels.red), upper(pixels.green), upper(pixels.blue)});
     auto* to = reinterpret_cast<uint8_t*>(dst[0] + x);
     storeBlocks(d, hn::BitCast(d, first), to, 32);
     storeBlocks(d, hn::BitCast(d, second), to + 16, 32);
@@ -262,11 +248,6 @@ Pixel convert(const Ycc& pixel) {
 }
 
 #if ZORJ_SIMD
-
-template <class D>
-struct RgbWords {
-  Words<D> red, green, blue;
-};
 
 // The product with a weight in units of 2^-15, rounded, less one where `twice` is twice `excess`.
 template <bool kHasExcess, class D>

@@ -13,13 +13,48 @@ struct Bgr {
   static constexpr size_t red = 2, green = 1, blue = 0;
 };
 
-// Fields of a packed pixel, the lowest and the highest of 5 bits. Red is the lowest or blue is.
+// The channels of a pixel, or registers of them.
+template <class T>
+struct Channels {
+  T red, green, blue;
+};
+
+// Packed pixels. The lowest and the highest field have 5 bits; red is the lowest or blue is. A channel is 8 bits of
+// which its field holds the high ones.
 template <int kGreenBits, bool kRedLowest>
 struct Packed {
-  static constexpr bool kRedIsLow = kRedLowest;
-  static constexpr int kHighMask = 0xF8, kGreenMask = 0x100 - (1 << (8 - kGreenBits));
-  // How far the 8-bit value of a field lies from its place.
+  static constexpr int kEndMask = 0xF8, kGreenMask = 0x100 - (1 << (8 - kGreenBits));
+  // How far a channel lies from its field.
   static constexpr int kLowShift = 3, kGreenShift = kGreenBits - 3, kHighShift = kGreenBits + 2;
+
+  static Channels<int32_t> unpack(int32_t word) {
+    const int32_t low = word << kLowShift & kEndMask, high = word >> kHighShift & kEndMask;
+    return {kRedLowest ? low : high, word >> kGreenShift & kGreenMask, kRedLowest ? high : low};
+  }
+  static uint16_t pack(const Channels<int32_t>& pixel) {
+    const int32_t low = kRedLowest ? pixel.red : pixel.blue, high = kRedLowest ? pixel.blue : pixel.red;
+    return static_cast<uint16_t>(low >> kLowShift | (pixel.green & kGreenMask) << kGreenShift |
+                                 (high & kEndMask) << kHighShift);
+  }
+
+#if ZORJ_SIMD
+  // The same in 16-bit lanes; channels to be packed lie within 0 .. 255.
+  template <class V>
+  static HWY_INLINE Channels<V> unpackLanes(V words) {
+    const hn::DFromV<V> d;
+    const V end = hn::Set(d, kEndMask), middle = hn::Set(d, kGreenMask);
+    const V low = hn::And(hn::ShiftLeft<kLowShift>(words), end), high = hn::And(hn::ShiftRight<kHighShift>(words), end);
+    return {kRedLowest ? low : high, hn::And(hn::ShiftRight<kGreenShift>(words), middle), kRedLowest ? high : low};
+  }
+  template <class V>
+  static HWY_INLINE V packLanes(const Channels<V>& pixels) {
+    const hn::DFromV<V> d;
+    const V low = kRedLowest ? pixels.red : pixels.blue, high = kRedLowest ? pixels.blue : pixels.red;
+    const V green = hn::And(pixels.green, hn::Set(d, kGreenMask)), top = hn::And(high, hn::Set(d, kEndMask));
+    return hn::Or(hn::Or(hn::ShiftRight<kLowShift>(low), hn::ShiftLeft<kGreenShift>(green)),
+                  hn::ShiftLeft<kHighShift>(top));
+  }
+#endif
 };
 using Bgr555 = Packed<5, false>;
 using Bgr565 = Packed<6, false>;
