@@ -153,42 +153,54 @@ HWY_INLINE Lanes weigh(const WeighedPairs& pairs, const Weights& weights) {
   return hn::ReorderDemote2To(LaneTag(), sum(0), sum(1));
 }
 
-// The sums of horizontal neighbours in the left and the right eight pixels of a line.
-HWY_INLINE WeighedPairs sumNeighbours(const Channels<Lanes> (&sides)[2]) {
-  const LaneTag d;
-  const auto ones = hn::Set(d, 1);
-  WeighedPairs pairs;
-  for (size_t i = 0; i < 2; ++i) {
-    const auto red = multiplyPairs(sides[i].red, ones), green = multiplyPairs(sides[i].green, ones),
-               blue = multiplyPairs(sides[i].blue, ones);
-    pairs.redGreen[i] = hn::BitCast(d, hn::Or(red, hn::ShiftLeft<16>(green)));
-    pairs.blueUnit[i] = hn::Or(hn::BitCast(d, blue), pairOf(ByteTag(), 0, kConstantUnit));
-  }
-  return pairs;
+// Four sums of horizontal neighbours as (red, green) and as (blue, kConstantUnit).
+HWY_INLINE Lanes sumRedGreen(const Channels<Lanes>& pixels) {
+  const auto ones = hn::Set(LaneTag(), 1);
+  return hn::BitCast(LaneTag(),
+                     hn::Or(multiplyPairs(pixels.red, ones), hn::ShiftLeft<16>(multiplyPairs(pixels.green, ones))));
+}
+HWY_INLINE Lanes sumBlueUnit(const Channels<Lanes>& pixels) {
+  const auto blue = multiplyPairs(pixels.blue, hn::Set(LaneTag(), 1));
+  return hn::Or(hn::BitCast(LaneTag(), blue), pairOf(ByteTag(), 0, kConstantUnit));
 }
 
-HWY_INLINE WeighedPairs sumNeighbours(const Channels<Lanes> (&sides)[1]) { return pairUp(sides[0]); }
+// Writes the luminance, and K, of eight columns of a line and of the lines a register spans with it; returns their
+// pixels for the chroma.
+template <class Source, class Sampling>
+HWY_INLINE Channels<Lanes> takeLines(const uint8_t* src, int32_t srcStep, int32_t column, int32_t line,
+                                     int16_t* const* dst) {
+  const uint8_t* from = rowAt(src, srcStep, line) + Source::kBytes * column;
+  const size_t distance = static_cast<size_t>(srcStep) * Sampling::vertical;
+  const int32_t at = Sampling::lumaAt(column, line);
+  const Channels<Lanes> pixels = Source::load(from, distance);
+  storeRows<Sampling::vertical>(weigh<kShift>(pairUp(pixels), kLuma), dst[0] + at);
+  if constexpr (Source::kPlanes == 4) {
+    const Lanes keys = hn::Sub(Source::keys(from, distance), hn::Set(LaneTag(), 128));
+    storeRows<Sampling::vertical>(keys, dst[3] + at);
+  }
+  return pixels;
+}
+
+template <class Source, class Sampling>
+HWY_INLINE Channels<Lanes> takeColumns(const uint8_t* src, int32_t srcStep, int32_t column, int32_t y,
+                                       int16_t* const* dst) {
+  const Channels<Lanes> above = takeLines<Source, Sampling>(src, srcStep, column, Sampling::vertical * y, dst);
+  if constexpr (Sampling::vertical == 1) return above;
+  return add(above, takeLines<Source, Sampling>(src, srcStep, column, Sampling::vertical * y + 1, dst));
+}
 
 template <class Source, class Sampling>
 void forward(const uint8_t* src, int32_t srcStep, int16_t* const* dst) {
   constexpr int kSumShift = chromaShift(Sampling::pixels);
-  const size_t distance = static_cast<size_t>(srcStep) * Sampling::vertical;
   for (int32_t y = 0; y < 8; y += kLines) {
-    Channels<Lanes> sums[Sampling::horizontal];
-    for (int32_t side = 0; side < Sampling::horizontal; ++side) {
-      for (int32_t v = 0; v < Sampling::vertical; ++v) {
-        const int32_t line = Sampling::vertical * y + v, at = Sampling::lumaAt(8 * side, line);
-        const uint8_t* from = rowAt(src, srcStep, line) + 8 * Source::kBytes * side;
-        const Channels<Lanes> pixels = Source::load(from, distance);
-        storeRows<Sampling::vertical>(weigh<kShift>(pairUp(pixels), kLuma), dst[0] + at);
-        if constexpr (Source::kPlanes == 4) {
-          const Lanes keys = hn::Sub(Source::keys(from, distance), hn::Set(LaneTag(), 128));
-          storeRows<Sampling::vertical>(keys, dst[3] + at);
-        }
-        sums[side] = v == 0 ? pixels : add(sums[side], pixels);
-      }
+    const Channels<Lanes> left = takeColumns<Source, Sampling>(src, srcStep, 0, y, dst);
+    WeighedPairs shared;
+    if constexpr (Sampling::horizontal == 1) {
+      shared = pairUp(left);
+    } else {
+      const Channels<Lanes> right = takeColumns<Source, Sampling>(src, srcStep, 8, y, dst);
+      shared = {{sumRedGreen(left), sumRedGreen(right)}, {sumBlueUnit(left), sumBlueUnit(right)}};
     }
-    const WeighedPairs shared = sumNeighbours(sums);
     storeRows<1>(weigh<kSumShift>(shared, chromaBlue(Sampling::pixels)), dst[1] + 8 * y);
     storeRows<1>(weigh<kSumShift>(shared, chromaRed(Sampling::pixels)), dst[2] + 8 * y);
   }
