@@ -71,31 +71,13 @@ struct FromInterleaved {
   }
 
 #if ZORJ_SIMD
-  // Which bytes of four pixels, that start at byte `start`, make their pairs.
-  struct PairBytes {
-    uint8_t redGreen[16], blue[16];
-  };
-  static constexpr PairBytes pairBytes(size_t start) {
-    PairBytes bytes{};
-    for (size_t i = 0; i < 16; ++i) {
-      const size_t pixel = start + 3 * (i / 4);
-      bytes.redGreen[i] = static_cast<uint8_t>(i % 4 == 0   ? pixel + Order::red
-                                               : i % 4 == 2 ? pixel + Order::green
-                                                            : kNone);
-      bytes.blue[i] = static_cast<uint8_t>(i % 4 == 0 ? pixel + Order::blue : kNone);
-    }
-    return bytes;
-  }
-  // Four pixels at the start of 16 bytes and at their end.
-  static constexpr PairBytes kFirst = pairBytes(0), kLast = pairBytes(4);
-
   template <class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
     const auto one = pairOf(d, 0, 1);
     PixelPairs<D> pairs;
     for (size_t i = 0; i < 4; ++i) {
       // The 16 bytes of the last four pixels end with them: nothing beyond is read.
-      const PairBytes& bytes = i < 3 ? kFirst : kLast;
+      const PairBytes& bytes = i < 3 ? kPairBytes<Order, 0> : kPairBytes<Order, 4>;
       const auto blocks = loadBlocks(d, src[0] + 3 * x + (i < 3 ? 12 * i : 32), 48);
       pairs.redGreen[i] = hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.redGreen));
       pairs.blueOne[i] = hn::Or(hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.blue)), one);
@@ -148,28 +130,24 @@ struct FromCmyk {
   using Rows = PlaneRows<const uint8_t, 1>;
 
   static Pixel pixel(const Rows& src, size_t x) {
-    const uint8_t* at = src[0] + kCmykBytes * x;
+    const uint8_t* at = src[0] + Cmyk::kBytes * x;
     return {255 - at[0], 255 - at[1], 255 - at[2]};
   }
-  static uint8_t key(const Rows& src, size_t x) { return src[0][kCmykBytes * x + 3]; }
+  static uint8_t key(const Rows& src, size_t x) { return src[0][Cmyk::kBytes * x + 3]; }
 
 #if ZORJ_SIMD
   template <class D>
   static HWY_INLINE Bytes<D> fourPixels(D d, const Rows& src, size_t x, size_t i) {
-    return loadBlocks(d, src[0] + kCmykBytes * x + 16 * i, 64);
+    return loadBlocks(d, src[0] + Cmyk::kBytes * x + 16 * i, 64);
   }
   template <class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
-    static constexpr uint8_t kRedGreen[] = {0, kNone, 1, kNone, 4,  kNone, 5,  kNone,
-                                            8, kNone, 9, kNone, 12, kNone, 13, kNone};
-    static constexpr uint8_t kBlue[] = {2,  kNone, kNone, kNone, 6,  kNone, kNone, kNone,
-                                        10, kNone, kNone, kNone, 14, kNone, kNone, kNone};
     const auto one = pairOf(d, 0, 1);
     PixelPairs<D> pairs;
     for (size_t i = 0; i < 4; ++i) {
       const auto rgb = complement(d, fourPixels(d, src, x, i));
-      pairs.redGreen[i] = hn::BitCast(WordTag<D>(), arrange(d, rgb, kRedGreen));
-      pairs.blueOne[i] = hn::Or(hn::BitCast(WordTag<D>(), arrange(d, rgb, kBlue)), one);
+      pairs.redGreen[i] = hn::BitCast(WordTag<D>(), arrange(d, rgb, kPairBytes<Cmyk, 0>.redGreen));
+      pairs.blueOne[i] = hn::Or(hn::BitCast(WordTag<D>(), arrange(d, rgb, kPairBytes<Cmyk, 0>.blue)), one);
     }
     return pairs;
   }

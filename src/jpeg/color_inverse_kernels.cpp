@@ -193,7 +193,7 @@ struct ToCmyk {
 
   template <class Source>
   static void store(const Pixel& pixel, const Source& src, const Rows& dst, size_t x) {
-    uint8_t* at = dst[0] + kCmykBytes * x;
+    uint8_t* at = dst[0] + Cmyk::kBytes * x;
     at[0] = static_cast<uint8_t>(255 - pixel.red);
     at[1] = static_cast<uint8_t>(255 - pixel.green);
     at[2] = static_cast<uint8_t>(255 - pixel.blue);
@@ -208,7 +208,7 @@ struct ToCmyk {
                yellow = complement(d, pixels.blue), key = hn::LoadU(d, src[3] + x);
     const auto storeFour = [&](auto cyanMagenta, auto yellowKey, size_t i) HWY_ATTR {
       const auto low = hn::BitCast(d16, cyanMagenta), high = hn::BitCast(d16, yellowKey);
-      uint8_t* to = dst[0] + kCmykBytes * x + 32 * i;
+      uint8_t* to = dst[0] + Cmyk::kBytes * x + 32 * i;
       storeBlocks(d, hn::BitCast(d, hn::InterleaveLower(d16, low, high)), to, 64);
       storeBlocks(d, hn::BitCast(d, hn::InterleaveUpper(d16, low, high)), to + 16, 64);
     };

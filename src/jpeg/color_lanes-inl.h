@@ -7,10 +7,14 @@ namespace {
 
 // Bytes of a pixel.
 struct Rgb {
-  static constexpr size_t red = 0, green = 1, blue = 2;
+  static constexpr size_t red = 0, green = 1, blue = 2, kBytes = 3;
 };
 struct Bgr {
-  static constexpr size_t red = 2, green = 1, blue = 0;
+  static constexpr size_t red = 2, green = 1, blue = 0, kBytes = 3;
+};
+// Of the complements.
+struct Cmyk {
+  static constexpr size_t red = 0, green = 1, blue = 2, key = 3, kBytes = 4;
 };
 
 // The channels of a pixel, or registers of them.
@@ -61,8 +65,6 @@ using Bgr565 = Packed<6, false>;
 using Rgb555 = Packed<5, true>;
 using Rgb565 = Packed<6, true>;
 
-inline constexpr size_t kCmykBytes = 4;
-
 inline uint8_t clampToByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 #if ZORJ_SIMD
@@ -110,6 +112,24 @@ template <class D>
 HWY_INLINE Bytes<D> arrange(D d, Bytes<D> blocks, const uint8_t (&bytes)[16]) {
   return hn::TableLookupBytesOr0(blocks, hn::LoadDup128(d, bytes));
 }
+
+// Which bytes of four pixels, the first of which starts at byte kStart of a block, make 16-bit pairs (red, green) and
+// (blue, 0).
+struct PairBytes {
+  uint8_t redGreen[16], blue[16];
+};
+template <class Order, size_t kStart>
+inline constexpr PairBytes kPairBytes = [] {
+  PairBytes bytes{};
+  for (size_t i = 0; i < 16; ++i) {
+    const size_t pixel = kStart + Order::kBytes * (i / 4);
+    bytes.redGreen[i] = static_cast<uint8_t>(i % 4 == 0   ? pixel + Order::red
+                                             : i % 4 == 2 ? pixel + Order::green
+                                                          : kNone);
+    bytes.blue[i] = static_cast<uint8_t>(i % 4 == 0 ? pixel + Order::blue : kNone);
+  }
+  return bytes;
+}();
 
 // Every 32-bit lane two 16-bit values.
 template <class D>

@@ -19,55 +19,50 @@ HWY_BEFORE_NAMESPACE();
 namespace zorj::HWY_NAMESPACE {
 namespace {
 
-// Weights of R, G and B, and a constant in units of kConstantUnit.
+// Weights of R, G and B, and a constant in units of kConstantUnit for every pixel of a sum.
 struct Weights {
   int16_t red, green, blue, constant;
 };
-inline constexpr int kShift = 14;
+constexpr Weights kLuma = {4899, 9617, 1868, -2088960 / kConstantUnit},
+                  kBlueChroma = {-2764, -5428, 8192, 8192 / kConstantUnit},
+                  kRedChroma = {8192, -6860, -1332, 8192 / kConstantUnit};
+// For the average of 1, 2 or 4 pixels.
+constexpr int shiftOf(int pixels) { return 14 + pixels / 2; }
 
-constexpr Weights kLuma = {4899, 9617, 1868, -2088960 / kConstantUnit};
-constexpr Weights chromaBlue(int pixels) {
-  return {-2764, -5428, 8192, static_cast<int16_t>(8192 * pixels / kConstantUnit)};
+#if ZORJ_SIMD
+
+// Eight pixels, or sums of pixels, a block: four and four as (red, green) and as (blue, kConstantUnit).
+struct PixelPairs {
+  Lanes redGreen[2], blueUnit[2];
+};
+
+template <class Order>
+HWY_INLINE PixelPairs pairUp(hn::Vec<ByteTag> first16Bytes, hn::Vec<ByteTag> last16Bytes) {
+  const auto unit = pairOf(ByteTag(), 0, kConstantUnit);
+  const auto extract = [](hn::Vec<ByteTag> pixels, const uint8_t(&bytes)[16])
+                           HWY_ATTR { return hn::BitCast(LaneTag(), arrange(ByteTag(), pixels, bytes)); };
+  constexpr size_t kStart = 16 - 4 * Order::kBytes;
+  return {
+      {extract(first16Bytes, kPairBytes<Order, 0>.redGreen), extract(last16Bytes, kPairBytes<Order, kStart>.redGreen)},
+      {hn::Or(extract(first16Bytes, kPairBytes<Order, 0>.blue), unit),
+       hn::Or(extract(last16Bytes, kPairBytes<Order, kStart>.blue), unit)}};
 }
-constexpr Weights chromaRed(int pixels) {
-  return {8192, -6860, -1332, static_cast<int16_t>(8192 * pixels / kConstantUnit)};
-}
-// For sums of 1, 2 or 4 pixels.
-constexpr int chromaShift(int pixels) { return kShift + pixels / 2; }
+
+#endif
 
 // Sources: `pixel` reads one, `load` eight pixels of each of kLines lines that lie `distance` bytes apart. CMYK gives
 // its K besides.
 
 template <class Order>
 struct FromInterleaved {
-  static constexpr int32_t kBytes = 3, kPlanes = 3;
+  static constexpr int32_t kBytes = Order::kBytes, kPlanes = 3;
 
   static Channels<int32_t> pixel(const uint8_t* at) { return {at[Order::red], at[Order::green], at[Order::blue]}; }
 
 #if ZORJ_SIMD
-  // Which bytes of the first and the last 16 of eight pixels are those of a channel.
-  struct ChannelBytes {
-    uint8_t first[16], last[16];
-  };
-  static constexpr ChannelBytes channelBytes(size_t channel) {
-    ChannelBytes bytes{};
-    for (size_t i = 0; i < 16; ++i) {
-      const size_t byte = 3 * (i / 2) + channel;
-      const bool used = i % 2 == 0, inFirst = byte < 16;
-      bytes.first[i] = static_cast<uint8_t>(used && inFirst ? byte : kNone);
-      bytes.last[i] = static_cast<uint8_t>(used && !inFirst ? byte - 8 : kNone);
-    }
-    return bytes;
-  }
-  static HWY_INLINE Channels<Lanes> load(const uint8_t* from, size_t distance) {
-    static constexpr ChannelBytes kRed = channelBytes(Order::red), kGreen = channelBytes(Order::green),
-                                  kBlue = channelBytes(Order::blue);
+  static HWY_INLINE PixelPairs load(const uint8_t* from, size_t distance) {
     const ByteTag d;
-    const auto first = loadBlocks(d, from, distance), last = loadBlocks(d, from + 8, distance);
-    const auto extract = [&](const ChannelBytes& bytes) HWY_ATTR {
-      return hn::BitCast(LaneTag(), hn::Or(arrange(d, first, bytes.first), arrange(d, last, bytes.last)));
-    };
-    return {extract(kRed), extract(kGreen), extract(kBlue)};
+    return pairUp<Order>(loadBlocks(d, from, distance), loadBlocks(d, from + 8, distance));
   }
 #endif
 };
@@ -81,34 +76,27 @@ struct FromPacked {
   }
 
 #if ZORJ_SIMD
-  static HWY_INLINE Channels<Lanes> load(const uint8_t* from, size_t distance) {
-    return Format::unpackLanes(hn::BitCast(LaneTag(), loadBlocks(ByteTag(), from, distance)));
+  static HWY_INLINE PixelPairs load(const uint8_t* from, size_t distance) {
+    const LaneTag d;
+    const auto unit = hn::Set(d, kConstantUnit);
+    const auto pixels = Format::unpackLanes(hn::BitCast(d, loadBlocks(ByteTag(), from, distance)));
+    return {{hn::InterleaveLower(d, pixels.red, pixels.green), hn::InterleaveUpper(d, pixels.red, pixels.green)},
+            {hn::InterleaveLower(d, pixels.blue, unit), hn::InterleaveUpper(d, pixels.blue, unit)}};
   }
 #endif
 };
 
 struct FromCmyk {
-  static constexpr int32_t kBytes = kCmykBytes, kPlanes = 4;
+  static constexpr int32_t kBytes = Cmyk::kBytes, kPlanes = 4;
 
   static Channels<int32_t> pixel(const uint8_t* at) { return {255 - at[0], 255 - at[1], 255 - at[2]}; }
-  static int32_t key(const uint8_t* at) { return at[3]; }
+  static int32_t key(const uint8_t* at) { return at[Cmyk::key]; }
 
 #if ZORJ_SIMD
-  static HWY_INLINE Channels<Lanes> load(const uint8_t* from, size_t distance) {
-    static constexpr uint8_t kByChannel[] = {0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15};
+  static HWY_INLINE PixelPairs load(const uint8_t* from, size_t distance) {
     const ByteTag d;
-    const SumTag d32;
-    const LaneTag d16;
-    const auto zero = hn::Zero(d);
-    const auto fourPixels = [&](const uint8_t* at) HWY_ATTR {
-      return hn::BitCast(d32, arrange(d, complement(d, loadBlocks(d, at, distance)), kByChannel));
-    };
-    const auto first = fourPixels(from), last = fourPixels(from + 16);
-    const auto redGreen = hn::BitCast(d, hn::InterleaveLower(d32, first, last));
-    const auto blueKey = hn::BitCast(d, hn::InterleaveUpper(d32, first, last));
-    return {hn::BitCast(d16, hn::InterleaveLower(d, redGreen, zero)),
-            hn::BitCast(d16, hn::InterleaveUpper(d, redGreen, zero)),
-            hn::BitCast(d16, hn::InterleaveLower(d, blueKey, zero))};
+    return pairUp<Cmyk>(complement(d, loadBlocks(d, from, distance)),
+                        complement(d, loadBlocks(d, from + 16, distance)));
   }
   static HWY_INLINE Lanes keys(const uint8_t* from, size_t distance) {
     const hn::Repartition<uint32_t, ByteTag> u32;
@@ -122,58 +110,44 @@ struct FromCmyk {
 
 #if ZORJ_SIMD
 
-HWY_INLINE auto multiplyPairs(Lanes a, Lanes b) {
+template <int32_t kPixels>
+HWY_INLINE Lanes weigh(const PixelPairs& pairs, const Weights& weights) {
+  const ByteTag d8;
   const SumTag d;
-  auto unused = hn::Zero(d);
-  return hn::ReorderWidenMulAccumulate(d, a, b, hn::Zero(d), unused);
-}
-
-// In every block eight pixels, or eight sums of pixels, four and four, as (red, green) and (blue, kConstantUnit).
-struct WeighedPairs {
-  Lanes redGreen[2], blueUnit[2];
-};
-
-HWY_INLINE WeighedPairs pairUp(const Channels<Lanes>& pixels) {
-  const LaneTag d;
-  const auto unit = hn::Set(d, kConstantUnit);
-  return {
-      {hn::InterleaveLower(d, pixels.red, pixels.green), hn::InterleaveUpper(d, pixels.red, pixels.green)},
-      {hn::InterleaveLower(d, pixels.blue, unit), hn::InterleaveUpper(d, pixels.blue, unit)},
-  };
-}
-
-template <int kSumShift>
-HWY_INLINE Lanes weigh(const WeighedPairs& pairs, const Weights& weights) {
-  const ByteTag d;
-  const auto redGreen = pairOf(d, weights.red, weights.green), blueUnit = pairOf(d, weights.blue, weights.constant);
+  const auto redGreen = pairOf(d8, weights.red, weights.green), blueUnit = pairOf(d8, weights.blue, weights.constant);
   const auto sum = [&](size_t i) HWY_ATTR {
-    return hn::ShiftRight<kSumShift>(
-        addPairProducts(multiplyPairs(pairs.redGreen[i], redGreen), pairs.blueUnit[i], blueUnit));
+    auto unused = hn::Zero(d);
+    const auto product = hn::ReorderWidenMulAccumulate(d, pairs.redGreen[i], redGreen, hn::Zero(d), unused);
+    return hn::ShiftRight<shiftOf(kPixels)>(addPairProducts(product, pairs.blueUnit[i], blueUnit));
   };
   return hn::ReorderDemote2To(LaneTag(), sum(0), sum(1));
 }
 
-// Four sums of horizontal neighbours as (red, green) and as (blue, kConstantUnit).
-HWY_INLINE Lanes sumRedGreen(const Channels<Lanes>& pixels) {
-  const auto ones = hn::Set(LaneTag(), 1);
-  return hn::BitCast(LaneTag(),
-                     hn::Or(multiplyPairs(pixels.red, ones), hn::ShiftLeft<16>(multiplyPairs(pixels.green, ones))));
+HWY_INLINE PixelPairs add(const PixelPairs& a, const PixelPairs& b) {
+  return {{hn::Add(a.redGreen[0], b.redGreen[0]), hn::Add(a.redGreen[1], b.redGreen[1])},
+          {hn::Add(a.blueUnit[0], b.blueUnit[0]), hn::Add(a.blueUnit[1], b.blueUnit[1])}};
 }
-HWY_INLINE Lanes sumBlueUnit(const Channels<Lanes>& pixels) {
-  const auto blue = multiplyPairs(pixels.blue, hn::Set(LaneTag(), 1));
-  return hn::Or(hn::BitCast(LaneTag(), blue), pairOf(ByteTag(), 0, kConstantUnit));
+
+// The sums of horizontal neighbours. No sum of 16-bit values carries into the other value of its pair.
+HWY_INLINE PixelPairs addColumns(const PixelPairs& left, const PixelPairs& right) {
+  const LaneTag d;
+  const SumTag d32;
+  const auto sum = [&](const Lanes(&pairs)[2]) HWY_ATTR {
+    return hn::BitCast(d, addNeighbours(hn::BitCast(d32, pairs[0]), hn::BitCast(d32, pairs[1])));
+  };
+  return {{sum(left.redGreen), sum(right.redGreen)}, {sum(left.blueUnit), sum(right.blueUnit)}};
 }
 
 // Writes the luminance, and K, of eight columns of a line and of the lines a register spans with it; returns their
 // pixels for the chroma.
 template <class Source, class Sampling>
-HWY_INLINE Channels<Lanes> takeLines(const uint8_t* src, int32_t srcStep, int32_t column, int32_t line,
-                                     int16_t* const* dst) {
+HWY_INLINE PixelPairs takeLines(const uint8_t* src, int32_t srcStep, int32_t column, int32_t line,
+                                int16_t* const* dst) {
   const uint8_t* from = rowAt(src, srcStep, line) + Source::kBytes * column;
   const size_t distance = static_cast<size_t>(srcStep) * Sampling::vertical;
   const int32_t at = Sampling::lumaAt(column, line);
-  const Channels<Lanes> pixels = Source::load(from, distance);
-  storeRows<Sampling::vertical>(weigh<kShift>(pairUp(pixels), kLuma), dst[0] + at);
+  const PixelPairs pixels = Source::load(from, distance);
+  storeRows<Sampling::vertical>(weigh<1>(pixels, kLuma), dst[0] + at);
   if constexpr (Source::kPlanes == 4) {
     const Lanes keys = hn::Sub(Source::keys(from, distance), hn::Set(LaneTag(), 128));
     storeRows<Sampling::vertical>(keys, dst[3] + at);
@@ -181,28 +155,23 @@ HWY_INLINE Channels<Lanes> takeLines(const uint8_t* src, int32_t srcStep, int32_
   return pixels;
 }
 
+// The same for the lines that share rows y and on of the chroma; returns the sums of their pixels.
 template <class Source, class Sampling>
-HWY_INLINE Channels<Lanes> takeColumns(const uint8_t* src, int32_t srcStep, int32_t column, int32_t y,
-                                       int16_t* const* dst) {
-  const Channels<Lanes> above = takeLines<Source, Sampling>(src, srcStep, column, Sampling::vertical * y, dst);
+HWY_INLINE PixelPairs takeColumns(const uint8_t* src, int32_t srcStep, int32_t column, int32_t y, int16_t* const* dst) {
+  const PixelPairs above = takeLines<Source, Sampling>(src, srcStep, column, Sampling::vertical * y, dst);
   if constexpr (Sampling::vertical == 1) return above;
   return add(above, takeLines<Source, Sampling>(src, srcStep, column, Sampling::vertical * y + 1, dst));
 }
 
 template <class Source, class Sampling>
 void forward(const uint8_t* src, int32_t srcStep, int16_t* const* dst) {
-  constexpr int kSumShift = chromaShift(Sampling::pixels);
   for (int32_t y = 0; y < 8; y += kLines) {
-    const Channels<Lanes> left = takeColumns<Source, Sampling>(src, srcStep, 0, y, dst);
-    WeighedPairs shared;
-    if constexpr (Sampling::horizontal == 1) {
-      shared = pairUp(left);
-    } else {
-      const Channels<Lanes> right = takeColumns<Source, Sampling>(src, srcStep, 8, y, dst);
-      shared = {{sumRedGreen(left), sumRedGreen(right)}, {sumBlueUnit(left), sumBlueUnit(right)}};
+    PixelPairs shared = takeColumns<Source, Sampling>(src, srcStep, 0, y, dst);
+    if constexpr (Sampling::horizontal == 2) {
+      shared = addColumns(shared, takeColumns<Source, Sampling>(src, srcStep, 8, y, dst));
     }
-    storeRows<1>(weigh<kSumShift>(shared, chromaBlue(Sampling::pixels)), dst[1] + 8 * y);
-    storeRows<1>(weigh<kSumShift>(shared, chromaRed(Sampling::pixels)), dst[2] + 8 * y);
+    storeRows<1>(weigh<Sampling::pixels>(shared, kBlueChroma), dst[1] + 8 * y);
+    storeRows<1>(weigh<Sampling::pixels>(shared, kRedChroma), dst[2] + 8 * y);
   }
 }
 
@@ -231,15 +200,15 @@ void split422(const uint8_t* src, int32_t srcStep, int16_t* const* dst) {
 
 #else
 
-template <int kSumShift>
+template <int32_t kPixels>
 int16_t weigh(const Channels<int32_t>& sum, const Weights& w) {
-  const int32_t weighed = w.red * sum.red + w.green * sum.green + w.blue * sum.blue + w.constant * kConstantUnit;
-  return static_cast<int16_t>(weighed >> kSumShift);
+  const int32_t constant = w.constant * kConstantUnit * kPixels;
+  return static_cast<int16_t>((w.red * sum.red + w.green * sum.green + w.blue * sum.blue + constant) >>
+                              shiftOf(kPixels));
 }
 
 template <class Source, class Sampling>
 void forward(const uint8_t* src, int32_t srcStep, int16_t* const* dst) {
-  constexpr int kSumShift = chromaShift(Sampling::pixels);
   for (int32_t y = 0; y < 8; ++y) {
     for (int32_t x = 0; x < 8; ++x) {
       Channels<int32_t> sum{};
@@ -248,15 +217,15 @@ void forward(const uint8_t* src, int32_t srcStep, int16_t* const* dst) {
           const uint8_t* from = rowAt(src, srcStep, line) + Source::kBytes * column;
           const int32_t at = Sampling::lumaAt(column, line);
           const Channels<int32_t> pixel = Source::pixel(from);
-          storeUnaligned(dst[0] + at, weigh<kShift>(pixel, kLuma));
+          storeUnaligned(dst[0] + at, weigh<1>(pixel, kLuma));
           if constexpr (Source::kPlanes == 4) {
             storeUnaligned(dst[3] + at, static_cast<int16_t>(Source::key(from) - 128));
           }
           sum = {sum.red + pixel.red, sum.green + pixel.green, sum.blue + pixel.blue};
         }
       }
-      storeUnaligned(dst[1] + 8 * y + x, weigh<kSumShift>(sum, chromaBlue(Sampling::pixels)));
-      storeUnaligned(dst[2] + 8 * y + x, weigh<kSumShift>(sum, chromaRed(Sampling::pixels)));
+      storeUnaligned(dst[1] + 8 * y + x, weigh<Sampling::pixels>(sum, kBlueChroma));
+      storeUnaligned(dst[2] + 8 * y + x, weigh<Sampling::pixels>(sum, kRedChroma));
     }
   }
 }

@@ -101,7 +101,7 @@ struct ToPacked {
 };
 
 struct ToCmyk {
-  static constexpr int32_t kBytes = kCmykBytes, kPlanes = 4;
+  static constexpr int32_t kBytes = Cmyk::kBytes, kPlanes = 4;
 
   static void put(const Channels<int32_t>& pixel, int32_t key, uint8_t* to) {
     to[0] = static_cast<uint8_t>(255 - clampToByte(pixel.red));
@@ -165,7 +165,8 @@ void inverse(const int16_t* const* src, uint8_t* dst, int32_t dstStep) {
         const int32_t line = Sampling::vertical * y + v, at = Sampling::lumaAt(8 * side, line);
         uint8_t* to = rowAt(dst, dstStep, line) + 8 * Destination::kBytes * side;
         const Lanes luma = loadRows<Sampling::vertical>(src[0] + at);
-        const Channels<Lanes> pixels = add({luma, luma, luma}, spread);
+        const Channels<Lanes> pixels = {hn::Add(luma, spread.red), hn::Add(luma, spread.green),
+                                        hn::Add(luma, spread.blue)};
         if constexpr (Destination::kPlanes == 4) {
           const Lanes keys = loadRows<Sampling::vertical>(src[3] + at);
           Destination::store(pixels, hn::SaturatedAdd(keys, hn::Set(LaneTag(), 128)), to, distance);

@@ -48,10 +48,6 @@ HWY_INLINE void storeRows(Lanes rows, int16_t* to) {
   }
 }
 
-HWY_INLINE Channels<Lanes> add(const Channels<Lanes>& a, const Channels<Lanes>& b) {
-  return {hn::Add(a.red, b.red), hn::Add(a.green, b.green), hn::Add(a.blue, b.blue)};
-}
-
 #endif
 
 }  // namespace
