@@ -36,27 +36,21 @@ using Pixel = Channels<int32_t>;
 
 #if ZORJ_SIMD
 
-// The pixels of a register: in every block, pairs i hold pixels 4i to 4i + 3, as (red, green) and (blue, 1).
+// Four pixels of every block as (red, green) and (blue, 1). Part i of a register's pixels are pixels 4i to 4i + 3.
 template <class D>
 struct PixelPairs {
-  Words<D> redGreen[4], blueOne[4];
+  Words<D> redGreen, blueOne;
 };
 
-template <class D>
+template <size_t kPart, class D>
 HWY_INLINE PixelPairs<D> pairUp(D d, Bytes<D> red, Bytes<D> green, Bytes<D> blue) {
-  const WordTag<D> d16;
-  const auto zero = hn::Zero(d), one = hn::Set(d, 1);
-  const auto widen = [&](Bytes<D> first, Bytes<D> second, Words<D>(&to)[4]) HWY_ATTR {
-    const auto lower = hn::InterleaveLower(d, first, second), upper = hn::InterleaveUpper(d, first, second);
-    to[0] = hn::BitCast(d16, hn::InterleaveLower(d, lower, zero));
-    to[1] = hn::BitCast(d16, hn::InterleaveUpper(d, lower, zero));
-    to[2] = hn::BitCast(d16, hn::InterleaveLower(d, upper, zero));
-    to[3] = hn::BitCast(d16, hn::InterleaveUpper(d, upper, zero));
+  const auto widen = [&](Bytes<D> first, Bytes<D> second) HWY_ATTR {
+    const auto pairs = kPart < 2 ? hn::InterleaveLower(d, first, second) : hn::InterleaveUpper(d, first, second);
+    const auto zero = hn::Zero(d);
+    return hn::BitCast(WordTag<D>(),
+                       kPart % 2 == 0 ? hn::InterleaveLower(d, pairs, zero) : hn::InterleaveUpper(d, pairs, zero));
   };
-  PixelPairs<D> pairs;
-  widen(red, green, pairs.redGreen);
-  widen(blue, one, pairs.blueOne);
-  return pairs;
+  return {widen(red, green), widen(blue, hn::Set(d, 1))};
 }
 
 #endif
@@ -71,18 +65,14 @@ struct FromInterleaved {
   }
 
 #if ZORJ_SIMD
-  template <class D>
+  template <size_t kPart, class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
-    const auto one = pairOf(d, 0, 1);
-    PixelPairs<D> pairs;
-    for (size_t i = 0; i < 4; ++i) {
-      // The 16 bytes of the last four pixels end with them: nothing beyond is read.
-      const PairBytes& bytes = i < 3 ? kPairBytes<Order, 0> : kPairBytes<Order, 4>;
-      const auto blocks = loadBlocks(d, src[0] + 3 * x + (i < 3 ? 12 * i : 32), 48);
-      pairs.redGreen[i] = hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.redGreen));
-      pairs.blueOne[i] = hn::Or(hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.blue)), one);
-    }
-    return pairs;
+    // The 16 bytes of the last four pixels end with them: nothing beyond is read.
+    constexpr size_t kStart = kPart < 3 ? 12 * kPart : 32, kFirst = 12 * kPart - kStart;
+    const PairBytes& bytes = kPairBytes<Order, kFirst>;
+    const auto blocks = loadBlocks(d, src[0] + 3 * x + kStart, 48);
+    return {hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.redGreen)),
+            hn::Or(hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.blue)), pairOf(d, 0, 1))};
   }
 #endif
 };
@@ -93,9 +83,9 @@ struct FromPlanes {
   static Pixel pixel(const Rows& src, size_t x) { return {src[0][x], src[1][x], src[2][x]}; }
 
 #if ZORJ_SIMD
-  template <class D>
+  template <size_t kPart, class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
-    return pairUp(d, hn::LoadU(d, src[0] + x), hn::LoadU(d, src[1] + x), hn::LoadU(d, src[2] + x));
+    return pairUp<kPart>(d, hn::LoadU(d, src[0] + x), hn::LoadU(d, src[1] + x), hn::LoadU(d, src[2] + x));
   }
 #endif
 };
@@ -107,20 +97,14 @@ struct FromPacked {
   static Pixel pixel(const Rows& src, size_t x) { return Format::unpack(loadUnaligned(src[0] + x)); }
 
 #if ZORJ_SIMD
-  template <class D>
+  template <size_t kPart, class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
     const WordTag<D> d16;
     const auto one = hn::Set(d16, 1);
-    const auto* from = reinterpret_cast<const uint8_t*>(src[0]) + 2 * x;
-    PixelPairs<D> pairs;
-    for (size_t i = 0; i < 2; ++i) {
-      const auto pixels = Format::unpackLanes(hn::BitCast(d16, loadBlocks(d, from + 16 * i, 32)));
-      pairs.redGreen[2 * i] = hn::InterleaveLower(d16, pixels.red, pixels.green);
-      pairs.redGreen[2 * i + 1] = hn::InterleaveUpper(d16, pixels.red, pixels.green);
-      pairs.blueOne[2 * i] = hn::InterleaveLower(d16, pixels.blue, one);
-      pairs.blueOne[2 * i + 1] = hn::InterleaveUpper(d16, pixels.blue, one);
-    }
-    return pairs;
+    const auto* from = reinterpret_cast<const uint8_t*>(src[0]) + 2 * x + 16 * (kPart / 2);
+    const auto [red, green, blue] = Format::unpackLanes(hn::BitCast(d16, loadBlocks(d, from, 32)));
+    if constexpr (kPart % 2 == 0) return {hn::InterleaveLower(d16, red, green), hn::InterleaveLower(d16, blue, one)};
+    return {hn::InterleaveUpper(d16, red, green), hn::InterleaveUpper(d16, blue, one)};
   }
 #endif
 };
@@ -133,23 +117,18 @@ struct FromCmyk {
     const uint8_t* at = src[0] + Cmyk::kBytes * x;
     return {255 - at[0], 255 - at[1], 255 - at[2]};
   }
-  static uint8_t key(const Rows& src, size_t x) { return src[0][Cmyk::kBytes * x + 3]; }
+  static uint8_t key(const Rows& src, size_t x) { return src[0][Cmyk::kBytes * x + Cmyk::key]; }
 
 #if ZORJ_SIMD
   template <class D>
   static HWY_INLINE Bytes<D> fourPixels(D d, const Rows& src, size_t x, size_t i) {
     return loadBlocks(d, src[0] + Cmyk::kBytes * x + 16 * i, 64);
   }
-  template <class D>
+  template <size_t kPart, class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
-    const auto one = pairOf(d, 0, 1);
-    PixelPairs<D> pairs;
-    for (size_t i = 0; i < 4; ++i) {
-      const auto rgb = complement(d, fourPixels(d, src, x, i));
-      pairs.redGreen[i] = hn::BitCast(WordTag<D>(), arrange(d, rgb, kPairBytes<Cmyk, 0>.redGreen));
-      pairs.blueOne[i] = hn::Or(hn::BitCast(WordTag<D>(), arrange(d, rgb, kPairBytes<Cmyk, 0>.blue)), one);
-    }
-    return pairs;
+    const auto rgb = complement(d, fourPixels(d, src, x, kPart));
+    return {hn::BitCast(WordTag<D>(), arrange(d, rgb, kPairBytes<Cmyk, 0>.redGreen)),
+            hn::Or(hn::BitCast(WordTag<D>(), arrange(d, rgb, kPairBytes<Cmyk, 0>.blue)), pairOf(d, 0, 1))};
   }
   template <class D>
   static HWY_INLINE Bytes<D> keys(D d, const Rows& src, size_t x) {
@@ -170,10 +149,10 @@ struct FromCmykPlanes {
   static uint8_t key(const Rows& src, size_t x) { return src[3][x]; }
 
 #if ZORJ_SIMD
-  template <class D>
+  template <size_t kPart, class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
-    return pairUp(d, complement(d, hn::LoadU(d, src[0] + x)), complement(d, hn::LoadU(d, src[1] + x)),
-                  complement(d, hn::LoadU(d, src[2] + x)));
+    return pairUp<kPart>(d, complement(d, hn::LoadU(d, src[0] + x)), complement(d, hn::LoadU(d, src[1] + x)),
+                         complement(d, hn::LoadU(d, src[2] + x)));
   }
   template <class D>
   static HWY_INLINE Bytes<D> keys(D d, const Rows& src, size_t x) {
@@ -203,29 +182,37 @@ void convertPixels(const typename Source::Rows& src, const PlaneRows<uint8_t, kP
 
 #if ZORJ_SIMD
 
-// 16-bit results of the pixels of pairs i and i + 1.
+// 16-bit results of two parts.
 template <int kShift, class D>
-HWY_INLINE Words<D> weigh(D d, const PixelPairs<D>& pixels, size_t i, const Weights& w) {
+HWY_INLINE Words<D> weigh(D d, const PixelPairs<D>& first, const PixelPairs<D>& second, const Weights& w) {
   const PairTag<D> d32;
   const auto redGreen = pairOf(d, w.red, w.green), blueOne = pairOf(d, w.blue, w.rounding);
-  const auto sum = [&](size_t at) HWY_ATTR {
+  const auto sum = [&](const PixelPairs<D>& pixels) HWY_ATTR {
     auto unused = hn::Zero(d32);
-    const auto product = hn::ReorderWidenMulAccumulate(d32, pixels.redGreen[at], redGreen, hn::Zero(d32), unused);
-    return hn::ShiftRight<kShift>(addPairProducts(product, pixels.blueOne[at], blueOne));
+    const auto product = hn::ReorderWidenMulAccumulate(d32, pixels.redGreen, redGreen, hn::Zero(d32), unused);
+    return hn::ShiftRight<kShift>(addPairProducts(product, pixels.blueOne, blueOne));
   };
-  return hn::ReorderDemote2To(WordTag<D>(), sum(i), sum(i + 1));
+  return hn::ReorderDemote2To(WordTag<D>(), sum(first), sum(second));
 }
 
-template <int kShift, class D>
-HWY_INLINE Bytes<D> luma(D d, const PixelPairs<D>& pixels, const Weights& w) {
-  return packUnsigned(weigh<kShift>(d, pixels, 0, w), weigh<kShift>(d, pixels, 2, w));
+// Luminance and centred chroma of half a register's pixels.
+template <class D>
+struct YccWords {
+  Words<D> luma, blueChroma, redChroma;
+};
+
+template <class Precision, bool kChroma, class D>
+HWY_INLINE YccWords<D> weigh(D d, const PixelPairs<D>& first, const PixelPairs<D>& second) {
+  const auto luma = weigh<Precision::kShift>(d, first, second, Precision::kLuma);
+  if constexpr (!kChroma) return {luma, luma, luma};
+  return {luma, weigh<Precision::kShift>(d, first, second, Precision::kBlueChroma),
+          weigh<Precision::kShift>(d, first, second, Precision::kRedChroma)};
 }
 
 // The chroma saturates as a signed byte before its centre moves to 128.
-template <int kShift, class D>
-HWY_INLINE Bytes<D> chroma(D d, const PixelPairs<D>& pixels, const Weights& w) {
-  const auto centred = packSigned(weigh<kShift>(d, pixels, 0, w), weigh<kShift>(d, pixels, 2, w));
-  return hn::Xor(hn::BitCast(d, centred), hn::Set(d, 0x80));
+template <class D>
+HWY_INLINE Bytes<D> packChroma(D d, Words<D> low, Words<D> high) {
+  return hn::Xor(hn::BitCast(d, packSigned(low, high)), hn::Set(d, 0x80));
 }
 
 // Whole registers of the pixels x to end - 1; returns where they end.
@@ -233,12 +220,15 @@ template <class Precision, class Source, class D, size_t kPlanes>
 HWY_INLINE size_t convertRegisters(D d, const typename Source::Rows& src, const PlaneRows<uint8_t, kPlanes>& dst,
                                    size_t x, size_t end) {
   for (; x + hn::Lanes(d) <= end; x += hn::Lanes(d)) {
-    const PixelPairs<D> pixels = Source::load(d, src, x);
+    const auto low =
+        weigh<Precision, kPlanes >= 3>(d, Source::template load<0>(d, src, x), Source::template load<1>(d, src, x));
+    const auto high =
+        weigh<Precision, kPlanes >= 3>(d, Source::template load<2>(d, src, x), Source::template load<3>(d, src, x));
     if constexpr (kPlanes == 4) hn::StoreU(Source::keys(d, src, x), d, dst[3] + x);
-    hn::StoreU(luma<Precision::kShift>(d, pixels, Precision::kLuma), d, dst[0] + x);
+    hn::StoreU(packUnsigned(low.luma, high.luma), d, dst[0] + x);
     if constexpr (kPlanes >= 3) {
-      hn::StoreU(chroma<Precision::kShift>(d, pixels, Precision::kBlueChroma), d, dst[1] + x);
-      hn::StoreU(chroma<Precision::kShift>(d, pixels, Precision::kRedChroma), d, dst[2] + x);
+      hn::StoreU(packChroma(d, low.blueChroma, high.blueChroma), d, dst[1] + x);
+      hn::StoreU(packChroma(d, low.redChroma, high.redChroma), d, dst[2] + x);
     }
   }
   return x;
