@@ -23,6 +23,7 @@ struct Fine {
   static int32_t green(int32_t cb, int32_t cr) { return (-5638 * cb - 11700 * cr + 8302) >> 14; }
   static int32_t blue(int32_t cb) { return (29032 * cb + 8135) >> 14; }
 
+#if ZORJ_SIMD
   static constexpr int16_t kRed = 22970, kBlue = 29032;
   static constexpr bool kHasExcess = true;
   static constexpr int16_t kRedExcess = 51, kBlueExcess = -125;
@@ -30,6 +31,7 @@ struct Fine {
   static constexpr int16_t kGreenCb = -2819, kGreenCr = -5850;
   static constexpr int32_t kGreenRounding = 8302;
   static constexpr int kGreenShift = 14;
+#endif
 };
 // For channels that lose their low bits.
 struct Coarse {
@@ -37,12 +39,14 @@ struct Coarse {
   static int32_t green(int32_t cb, int32_t cr) { return (-22554 * cb - 46802 * cr + 32768) >> 16; }
   static int32_t blue(int32_t cb) { return (116130 * cb + 32768) >> 16; }
 
+#if ZORJ_SIMD
   static constexpr int16_t kRed = 22970, kBlue = 29033;
   static constexpr bool kHasExcess = false;
   static constexpr int16_t kRedExcess = 0, kBlueExcess = 0;
   static constexpr int16_t kGreenCb = -11277, kGreenCr = -23401;
   static constexpr int32_t kGreenRounding = 32768;
   static constexpr int kGreenShift = 16;
+#endif
 };
 
 struct Ycc {
