@@ -163,11 +163,10 @@ TEST(Color, EveryChromaEqualsModel) {
       for (int i = 0; i < test.destination.planes; ++i) {
         operands.push_back(destinationImage<uint8_t>(test.destination.rowBytes(256), 256));
       }
-      const Layout& layout = kLayouts[0];
-      const Operands expected(operands, layout, 0, 0);
+      const Operands expected(operands, kLayouts[0], 0, 0);
       model(test, expected, kSize);
       forEachIsa([&](Isa isa) {
-        const Operands actual(operands, layout, 0, 0);
+        const Operands actual(operands, kLayouts[0], 0, 0);
         const auto destination = static_cast<size_t>(test.source.planes);
         test.function(imageOf(actual, 0, test.source.planes), imageOf(actual, destination, test.destination.planes),
                       kSize);
