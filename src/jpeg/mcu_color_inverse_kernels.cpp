@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <type_traits>
 
 #include "core/isa.h"
 #include "core/row_address.h"
@@ -21,22 +22,22 @@ namespace zorj::HWY_NAMESPACE {
 namespace {
 
 // What a chroma pair adds to Y: the weighted sum of Cb and Cr and a constant in units of kConstantUnit, shifted and
-// narrowed with saturation; the green term of 2x2 chroma is subtracted instead.
+// narrowed with saturation; where chroma has half the height, the green term is subtracted instead.
 struct ChromaTerm {
   int16_t cb, cr, constant;
   int shift;
 };
-struct HorizontalFormula {
+struct FullHeightFormula {
   static constexpr ChromaTerm red = {0, 22970, 8224, 14}, green = {-5638, -11700, 8224, 14},
                               blue = {29032, 0, 8224, 14};
   static constexpr bool subtractGreen = false;
 };
-struct SquareFormula {
+struct HalfHeightFormula {
   static constexpr ChromaTerm red = {0, 11485, 4112, 13}, green = {5638, 11700, -8160, 14}, blue = {14516, 0, 4112, 13};
   static constexpr bool subtractGreen = true;
 };
 template <class Sampling>
-using FormulaOf = std::conditional_t<Sampling::vertical == 1, HorizontalFormula, SquareFormula>;
+using FormulaOf = std::conditional_t<Sampling::vertical == 1, FullHeightFormula, HalfHeightFormula>;
 
 // Destinations: `put` writes one pixel, `store` eight in each of kLines lines that lie `distance` bytes apart. CMYK is
 // given its K besides.
@@ -113,7 +114,7 @@ struct ToCmyk {
 #if ZORJ_SIMD
   static HWY_INLINE void store(const Channels<Lanes>& pixels, Lanes keys, uint8_t* to, size_t distance) {
     const ByteTag d;
-    // K too is complemented twice.
+    // The complement of Y and K below undoes this one.
     const auto keysComplement = hn::SaturatedSub(hn::Set(LaneTag(), 255), keys);
     const auto cyanMagenta = complement(d, packUnsigned(pixels.red, pixels.green));
     const auto yellowKey = complement(d, packUnsigned(pixels.blue, keysComplement));
