@@ -94,8 +94,8 @@ struct Setting {
 };
 constexpr Setting kSettings[] = {
     {"444", jpeg::Sampling::s444, 95}, {"444", jpeg::Sampling::s444, 90}, {"444", jpeg::Sampling::s444, 75},
-    {"422", jpeg::Sampling::s422, 90}, {"411", jpeg::Sampling::s411, 90}, {"411", jpeg::Sampling::s411, 75},
-    {"411", jpeg::Sampling::s411, 50},
+    {"422", jpeg::Sampling::s422, 90}, {"411", jpeg::Sampling::s420, 90}, {"411", jpeg::Sampling::s420, 75},
+    {"411", jpeg::Sampling::s420, 50},
 };
 
 // One line of the table. Returns whether the independent decoder agrees.

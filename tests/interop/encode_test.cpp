@@ -21,7 +21,7 @@ TEST(Encode, PeerReadsEverySizeAndSampling) {
   int quality = 1;
   int restart = 0;
   for (const Size size : oddSizes()) {
-    for (const jpeg::Sampling sampling : {jpeg::Sampling::s444, jpeg::Sampling::s422, jpeg::Sampling::s411}) {
+    for (const jpeg::Sampling sampling : {jpeg::Sampling::s444, jpeg::Sampling::s422, jpeg::Sampling::s420}) {
       for (const int32_t channels : {1, 3}) {
         SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", sampling "
                                         << static_cast<int>(sampling) << ", channels " << channels << ", quality "
@@ -36,7 +36,7 @@ TEST(Encode, PeerReadsEverySizeAndSampling) {
 
 TEST(Encode, SamplesChromaAsAsked) {
   const std::pair<jpeg::Sampling, std::pair<int, int>> blocks[] = {
-      {jpeg::Sampling::s444, {5, 5}}, {jpeg::Sampling::s422, {3, 5}}, {jpeg::Sampling::s411, {3, 3}}};
+      {jpeg::Sampling::s444, {5, 5}}, {jpeg::Sampling::s422, {3, 5}}, {jpeg::Sampling::s420, {3, 3}}};
   for (const auto& [sampling, chroma] : blocks) {
     std::vector<uint8_t> file;
     jpeg::encode(picture(33, 33, 3), {75, sampling, 0}, file);
@@ -66,7 +66,7 @@ TEST(Encode, RepeatsTheLastPixels) {
 // A row of MCUs goes through the encoder in several pieces, and restart numbers come round after eight.
 TEST(Encode, PeerReadsWideImages) {
   expectPeerReads(picture(1031, 37, 3), {90, jpeg::Sampling::s444, 0});
-  expectPeerReads(picture(1031, 37, 3), {50, jpeg::Sampling::s411, 7});
+  expectPeerReads(picture(1031, 37, 3), {50, jpeg::Sampling::s420, 7});
   expectPeerReads(picture(1031, 37, 1), {100, jpeg::Sampling::s444, 1});
 }
 
@@ -91,7 +91,7 @@ TEST(Encode, QualityEqualsThePeers) {
   for (const int quality : {30, 75, 95}) {
     for (const bool halved : {false, true}) {
       std::vector<uint8_t> ours;
-      jpeg::encode(image, {quality, halved ? jpeg::Sampling::s411 : jpeg::Sampling::s444, 0}, ours);
+      jpeg::encode(image, {quality, halved ? jpeg::Sampling::s420 : jpeg::Sampling::s444, 0}, ours);
       PeerSettings settings;
       settings.quality = quality;
       if (halved) settings.factors[0] = {2, 2};
