@@ -127,9 +127,9 @@ void inverseTransform(CoefficientImage& coefficients, const DecodeOptions& optio
   inParallel(strips, [&](int32_t strip) {
     const int32_t first = stripStart(frame.mcusHigh(), strips, strip);
     const int32_t end = stripStart(frame.mcusHigh(), strips, strip + 1);
-    const auto transform = makeInverseTransform(frame, coefficients.quantTables, options, first, image);
-    for (int32_t row = first - (first > 0 && transform->readsRowAbove() ? 1 : 0); row < end; ++row) {
-      transform->run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), coefficients.mcus, 0, row));
+    InverseTransform transform(frame, coefficients.quantTables, options, first, image);
+    for (int32_t row = transform.firstNeeded(); row < end; ++row) {
+      transform.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), coefficients.mcus, 0, row));
     }
   });
 }

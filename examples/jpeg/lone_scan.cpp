@@ -22,11 +22,10 @@ class Strip {
   Strip(const MarkerReader& reader, std::span<const size_t> segments, const QuantTables& tables,
         const DecodeOptions& options, int32_t first, int32_t end, Image& image)
       : frame_(reader.frame()),
-        transform_(makeInverseTransform(frame_, tables, options, first, image)),
+        transform_(frame_, tables, options, first, image),
         first_(first),
         end_(end),
-        rowsAbove_(first > 0 && transform_->readsRowAbove() ? 1 : 0),
-        firstMcu_(int64_t{first - rowsAbove_} * frame_.mcusWide()),
+        firstMcu_(int64_t{transform_.firstNeeded()} * frame_.mcusWide()),
         segment_(firstMcu_ == 0 ? 0 : firstMcu_ / reader.restartInterval()),
         scan_(reader.file(), segments[static_cast<size_t>(segment_)], reader.scanTables(), reader.restartInterval(),
               segment_),
@@ -41,7 +40,7 @@ class Strip {
       scan_.decode(inScan_, static_cast<int32_t>(std::min<int64_t>(left, kRunMcus)));
     }
     int64_t lostBefore = scan_.lostMcus();
-    for (int32_t row = first_ - rowsAbove_; row < end_; ++row) {
+    for (int32_t row = transform_.firstNeeded(); row < end_; ++row) {
       if (row == first_) lostBefore = scan_.lostMcus();
       decodeRow(row);
     }
@@ -55,15 +54,14 @@ class Strip {
     for (int32_t column = 0; column < frame_.mcusWide(); column += kRunMcus) {
       const int32_t count = std::min(kRunMcus, frame_.mcusWide() - column);
       scan_.decode(inScan_, count);
-      transform_->run(column, row, count, inFrame_);
+      transform_.run(column, row, count, inFrame_);
     }
   }
 
   const Frame& frame_;
-  std::unique_ptr<InverseTransform> transform_;
+  InverseTransform transform_;
   int32_t first_;
   int32_t end_;
-  int32_t rowsAbove_;  // that are decoded for their neighbours' sake
   int64_t firstMcu_;
   int64_t segment_;  // that it lies in
   int64_t skipped_;  // MCUs of the segment before it
@@ -100,12 +98,12 @@ LoneScanEnd decodeInTwoStages(const MarkerReader& reader, const QuantTables& tab
   const int32_t rows = divideUp(kGroupMcus, frame.mcusWide());
   RowGroup groups[2];
   for (RowGroup& group : groups) group.shape(reader, rows);
-  const std::unique_ptr<InverseTransform> transform = makeInverseTransform(frame, tables, options, 0, image);
+  InverseTransform transform(frame, tables, options, 0, image);
   ScanDecoder scan(reader.file(), reader.position(), reader.scanTables(), reader.restartInterval());
 
   const auto decode = [&](int32_t, RowGroup& group, size_t row) { scan.decode(group.inScan[row], frame.mcusWide()); };
   const auto invert = [&](int32_t mcuRow, RowGroup& group, size_t row) {
-    transform->run(0, mcuRow, frame.mcusWide(), group.inFrame[row]);
+    transform.run(0, mcuRow, frame.mcusWide(), group.inFrame[row]);
   };
   const auto forAllRows = [&](auto wait, auto work, auto pass) {
     for (int32_t first = 0, turn = 0; first < frame.mcusHigh(); first += rows, ++turn) {
