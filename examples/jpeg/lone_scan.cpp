@@ -93,7 +93,7 @@ struct RowGroup {
 // Without restart markers entropy decoding is one thread's work: another transforms what it has decoded.
 LoneScanEnd decodeInTwoStages(const MarkerReader& reader, const QuantTables& tables, const DecodeOptions& options,
                               Image& image) {
-  constexpr int32_t kGroupMcus = 1024;
+  constexpr int32_t kGroupMcus = 512;
   const Frame& frame = reader.frame();
   const int32_t rows = divideUp(kGroupMcus, frame.mcusWide());
   RowGroup groups[2];
