@@ -5,6 +5,7 @@
 #include "interop/compare.h"
 #include "interop/pictures.h"
 #include "reference/dct.h"
+#include "reference/sampling.h"
 
 namespace interop {
 namespace {
@@ -34,6 +35,17 @@ void expectScaledComponent(const Image& image, int32_t channel, const PeerCompon
           << "channel " << channel << " at " << x << ", " << y;
     }
   }
+}
+
+// Pixel (x, y) of a component that is interpolated by these ratios; narrow ones are repeated sideways.
+uint8_t upsampled(const zorj::reference::ExtendedPlane& samples, Factors ratio, int32_t x, int32_t y) {
+  const bool up = y % 2 == 0;
+  const int32_t near = y / ratio.vertical, far = up ? near - 1 : near + 1;
+  if (ratio.horizontal == 2 && samples.width <= 2) return static_cast<uint8_t>(samples.at(x / 2, near));
+  if (ratio.horizontal == 2 && ratio.vertical == 2) return zorj::reference::triangleH2V2(samples, x, near, far);
+  if (ratio.horizontal == 2) return zorj::reference::triangleH2V1(samples, x, y);
+  if (ratio.vertical == 1) return static_cast<uint8_t>(samples.at(x, y));
+  return static_cast<uint8_t>((3 * samples.at(x, near) + samples.at(x, far) + (up ? 1 : 2)) / 4);
 }
 
 // The means of squares of pixels.
@@ -136,6 +148,34 @@ TEST(Decode, ReadsCmykAndYcck) {
     settings.adobeMarker = false;  // then it is CMYK, and not inverted
     expectReadsPeer(image, settings);
     settings.adobeMarker = true;
+  }
+}
+
+// The up-sampled planes, from the samples that zorjpeg decodes itself: exactly, across all rows of MCUs.
+TEST(Decode, InterpolatesExactly) {
+  PeerSettings settings;
+  settings.convertColors = false;
+  for (const Size size : oddSizes()) {
+    for (const Factors factors : {Factors{2, 1}, Factors{1, 2}, Factors{2, 2}}) {
+      settings.factors[0] = factors;
+      const std::vector<uint8_t> file = peerEncode(picture(size.width, size.height, 3), settings);
+      jpeg::CoefficientImage coefficients;
+      ASSERT_EQ(jpeg::decodeCoefficients(file, coefficients).problem, "");
+      const std::vector<jpeg::ComponentSamples> planes = jpeg::inverseTransform(coefficients);
+      Image image;
+      ASSERT_EQ(jpeg::decode(file, {}, image).problem, "");
+      for (int32_t i = 0; i < image.width * image.height * 3; ++i) {
+        const int32_t c = i % 3, x = i / 3 % image.width, y = i / 3 / image.width;
+        const jpeg::ComponentSamples& plane = planes[static_cast<size_t>(c)];
+        const Factors ratio = c == 0 ? Factors{1, 1} : factors;
+        const zorj::reference::ExtendedPlane samples = {plane.samples.data(), plane.width,
+                                                        (size.width + ratio.horizontal - 1) / ratio.horizontal,
+                                                        (size.height + ratio.vertical - 1) / ratio.vertical};
+        ASSERT_EQ(image.at(x, y)[c], upsampled(samples, ratio, x, y))
+            << size.width << " x " << size.height << ", sampling " << factors.horizontal << " x " << factors.vertical
+            << ", component " << c << " at " << x << ", " << y;
+      }
+    }
   }
 }
 
