@@ -141,20 +141,9 @@ void ComponentPlane::replicateRow(const uint8_t* source, uint8_t* target) const 
   const int32_t whole = shape_.imageMcuWidth, part = shape_.mcuWidth;
   int32_t x = 0;
   if (whole == 2 * part) {
-    // Chunks of a fixed size in memory of their own, which compilers turn into vector instructions.
-    for (; x + 32 <= imageWidth_; x += 32, source += 16) {
-      uint8_t single[16], twice[32];
-      std::memcpy(single, source, sizeof single);
-      for (int32_t i = 0; i < 16; ++i) twice[2 * i] = twice[2 * i + 1] = single[i];
-      std::memcpy(target + x, twice, sizeof twice);
-    }
+    for (; x + 1 < imageWidth_; x += 2) target[x] = target[x + 1] = source[x / 2];
   }
-  for (int32_t rest = 0; x < imageWidth_; ++x) {
-    target[x] = *source;
-    rest += part;
-    source += rest >= whole;
-    if (rest >= whole) rest -= whole;
-  }
+  for (; x < imageWidth_; ++x) target[x] = source[x * part / whole];
 }
 
 }  // namespace examples::jpeg

@@ -119,8 +119,8 @@ void check(const DecodeOptions& options) {
   if (options.threads < 1) throw Error("there must be at least one thread");
 }
 
-// The pixels of coefficients, in strips.
-void inverseTransform(CoefficientImage& coefficients, const DecodeOptions& options, Image& image) {
+// The pixels of all coefficients, in strips.
+void toPixels(CoefficientImage& coefficients, const DecodeOptions& options, Image& image) {
   const Frame& frame = coefficients.frame;
   shapeImage(frame, options, image);
   const int32_t strips = std::min(options.threads, frame.mcusHigh());
@@ -143,7 +143,7 @@ DecodeReport decode(std::span<const uint8_t> jpeg, const DecodeOptions& options,
   if (reader.scanHoldsAllComponents()) return decodeDirectly(reader, options, image);
   CoefficientImage coefficients;
   const Damage damage = decodeAllScans(reader, coefficients);
-  inverseTransform(coefficients, options, image);
+  toPixels(coefficients, options, image);
   return damage.report();
 }
 

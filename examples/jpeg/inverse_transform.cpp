@@ -3,7 +3,6 @@
 #include <zorj/jpeg_color.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace examples::jpeg {
 namespace {
@@ -15,39 +14,18 @@ int32_t stepFor(int32_t samples) {
   return (divideUp(samples + kMargins, kLine) | 1) * kLine;
 }
 
-// Loops over chunks of a fixed size in memory of their own are what compilers turn into vector instructions.
-constexpr int32_t kChunk = 16;
-
 // The pixels of samples that need no conversion.
-template <size_t channels>
-void interleaveRow(const uint8_t* const* planes, ptrdiff_t offset, uint8_t* pixels, int32_t width) {
-  int32_t x = 0;
-  for (; x + kChunk <= width; x += kChunk) {
-    uint8_t samples[channels][kChunk], chunk[channels * kChunk];
-    for (size_t c = 0; c < channels; ++c) std::memcpy(samples[c], planes[c] + offset + x, kChunk);
-    for (size_t i = 0; i < kChunk; ++i) {
-      for (size_t c = 0; c < channels; ++c) chunk[channels * i + c] = samples[c][i];
-    }
-    std::memcpy(pixels, chunk, sizeof chunk);
-    pixels += sizeof chunk;
-  }
-  for (; x < width; ++x) {
-    for (size_t c = 0; c < channels; ++c) *pixels++ = planes[c][offset + x];
-  }
-}
-
-template <size_t channels>
+template <int32_t channels>
 void interleave(const uint8_t* const* planes, int32_t step, uint8_t* pixels, RoiSize size) {
-  for (int32_t y = 0; y < size.height; ++y, pixels += channels * static_cast<size_t>(size.width)) {
-    interleaveRow<channels>(planes, ptrdiff_t{y} * step, pixels, size.width);
+  for (int32_t y = 0; y < size.height; ++y, pixels += channels * size.width) {
+    for (int32_t x = 0; x < size.width; ++x) {
+      for (int32_t c = 0; c < channels; ++c) pixels[channels * x + c] = planes[c][ptrdiff_t{y} * step + x];
+    }
   }
 }
 
 void invert(uint8_t* samples, size_t count) {
-  for (; count >= kChunk; count -= kChunk, samples += kChunk) {
-    for (int32_t i = 0; i < kChunk; ++i) samples[i] = static_cast<uint8_t>(~samples[i]);
-  }
-  for (; count > 0; --count, ++samples) *samples = static_cast<uint8_t>(~*samples);
+  for (size_t i = 0; i < count; ++i) samples[i] = static_cast<uint8_t>(~samples[i]);
 }
 
 bool interpolatesDownwards(const ComponentShape& shape) {

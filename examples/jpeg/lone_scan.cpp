@@ -1,6 +1,8 @@
 #include "jpeg/lone_scan.h"
 
 #include <algorithm>
+#include <iterator>
+#include <memory>
 #include <semaphore>
 
 #include "jpeg/inverse_transform.h"
@@ -26,14 +28,13 @@ class Strip {
         first_(first),
         end_(end),
         firstMcu_(int64_t{transform_.firstNeeded()} * frame_.mcusWide()),
-        segment_(firstMcu_ == 0 ? 0 : firstMcu_ / reader.restartInterval()),
+        segment_(first == 0 ? 0 : firstMcu_ / reader.restartInterval()),
+        skipped_(firstMcu_ - segment_ * reader.restartInterval()),
         scan_(reader.file(), segments[static_cast<size_t>(segment_)], reader.scanTables(), reader.restartInterval(),
               segment_),
         run_(frame_, kRunMcus, 1),
         inScan_(interleavedMcu(frame_, reader.scanComponents(), run_, 0, 0)),
-        inFrame_(interleavedMcu(frame_, frame_.allComponents(), run_, 0, 0)) {
-    skipped_ = firstMcu_ - segment_ * reader.restartInterval();
-  }
+        inFrame_(interleavedMcu(frame_, frame_.allComponents(), run_, 0, 0)) {}
 
   void decode() {
     for (int64_t left = skipped_; left > 0; left -= kRunMcus) {
@@ -101,24 +102,23 @@ LoneScanEnd decodeInTwoStages(const MarkerReader& reader, const QuantTables& tab
   InverseTransform transform(frame, tables, options, 0, image);
   ScanDecoder scan(reader.file(), reader.position(), reader.scanTables(), reader.restartInterval());
 
-  const auto decode = [&](int32_t, RowGroup& group, size_t row) { scan.decode(group.inScan[row], frame.mcusWide()); };
-  const auto invert = [&](int32_t mcuRow, RowGroup& group, size_t row) {
-    transform.run(0, mcuRow, frame.mcusWide(), group.inFrame[row]);
-  };
-  const auto forAllRows = [&](auto wait, auto work, auto pass) {
-    for (int32_t first = 0, turn = 0; first < frame.mcusHigh(); first += rows, ++turn) {
-      RowGroup& group = groups[turn % 2];
-      (group.*wait).acquire();
-      for (int32_t i = 0; i < std::min(rows, frame.mcusHigh() - first); ++i)
-        work(first + i, group, static_cast<size_t>(i));
-      (group.*pass).release();
+  // Calls row(group, index in it, number) for all rows, the groups in turns.
+  const auto forAllRows = [&](auto waitFor, auto becomes, const auto& row) {
+    for (int32_t number = 0; number < frame.mcusHigh();) {
+      RowGroup& group = groups[number / rows % 2];
+      (group.*waitFor).acquire();
+      for (int32_t i = 0; i < rows && number < frame.mcusHigh(); ++i, ++number) row(group, size_t(i), number);
+      (group.*becomes).release();
     }
   };
   inParallel(2, [&](int32_t stage) {
     if (stage == 0) {
-      forAllRows(&RowGroup::empty, decode, &RowGroup::full);
+      forAllRows(&RowGroup::empty, &RowGroup::full,
+                 [&](RowGroup& group, size_t i, int32_t) { scan.decode(group.inScan[i], frame.mcusWide()); });
     } else {
-      forAllRows(&RowGroup::full, invert, &RowGroup::empty);
+      forAllRows(&RowGroup::full, &RowGroup::empty, [&](RowGroup& group, size_t i, int32_t number) {
+        transform.run(0, number, frame.mcusWide(), group.inFrame[i]);
+      });
     }
   });
   return {scan.lostMcus(), scan.end()};
@@ -151,7 +151,8 @@ LoneScanEnd decodeLoneScan(const MarkerReader& reader, const DecodeOptions& opti
     const int64_t mcus = int64_t{frame.mcusWide()} * frame.mcusHigh();
     const int64_t count = (mcus + reader.restartInterval() - 1) / reader.restartInterval();
     const std::vector<size_t> segments = restartSegments(reader.file(), start, count);
-    if (!segments.empty()) return decodeStrips(reader, segments, threads, tables, options, image);
+    const int32_t strips = static_cast<int32_t>(std::min<int64_t>(threads, std::ssize(segments)));
+    if (strips > 1) return decodeStrips(reader, segments, strips, tables, options, image);
   }
   return decodeInTwoStages(reader, tables, options, image);
 }
