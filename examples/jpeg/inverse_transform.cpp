@@ -76,9 +76,9 @@ void InverseTransform::finishRow(int32_t mcuRow) {
   if (mcuRow >= firstMcuRow_) {
     const int32_t first = mcuRow == 0 ? 0 : mcuRow * mcuHeight_ - delay_;
     const int32_t end = mcuRow + 1 == mcusHigh_ ? image_.height : (mcuRow + 1) * mcuHeight_ - delay_;
-    const uint8_t* rows[kMaxComponents];
+    std::array<const uint8_t*, kMaxComponents> rows{};
     for (size_t c = 0; c < planes_.size(); ++c) rows[c] = planes_[c].expand(mcuRow, first, end);
-    convert(rows, first, end - first);
+    convert(rows.data(), first, end - first);
   }
   if (delay_ != 0) {
     for (ComponentPlane& plane : planes_) plane.keepLastRow();

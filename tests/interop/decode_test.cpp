@@ -27,10 +27,9 @@ void expectScaledComponent(const Image& image, int32_t channel, const PeerCompon
       const int16_t* const coefficients = component.coefficients.data() + size_t{64} * static_cast<size_t>(block);
       zorj::reference::ExactBlock dequantised;
       for (size_t i = 0; i < 64; ++i) dequantised[i] = coefficients[i] * component.stepSizes[i];
-      const double exact = blockSize == 1
-                               ? dequantised[0] / 8
-                               : zorj::reference::exactInverse(
-                                     dequantised, blockSize)[static_cast<size_t>(y % blockSize * 8 + x % blockSize)];
+      const auto at = static_cast<size_t>(8 * (y % blockSize) + x % blockSize);
+      const double exact =
+          blockSize == 1 ? dequantised[0] / 8 : zorj::reference::exactInverse(dequantised, blockSize)[at];
       ASSERT_LE(std::abs(image.at(x, y)[channel] - std::clamp(exact + 128, 0.0, 255.0)), 1)
           << "channel " << channel << " at " << x << ", " << y;
     }
