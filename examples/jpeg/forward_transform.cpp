@@ -25,37 +25,15 @@ StatusCode ZORJ_CALL splitCmyk(const uint8_t* pixels, int32_t step, int16_t* con
   return StatusOk;
 }
 
-// Until the library has one.
-template <int32_t width, int32_t height>
-StatusCode ZORJ_CALL ycck(const uint8_t* pixels, int32_t step, int16_t* const* planes) {
-  uint8_t samples[4][width * height];
-  uint8_t* const rows[4] = {samples[0], samples[1], samples[2], samples[3]};
-  zoriCMYKToYCCK_JPEG_8u_C4P4R(pixels, step, rows, width, {width, height});
-  for (int32_t c = 0; c < 4; ++c) {
-    if (width > 8 && (c == 1 || c == 2)) {
-      uint8_t half[64];
-      (height > 8 ? zoriSampleDownH2V2_JPEG_8u_C1R : zoriSampleDownH2V1_JPEG_8u_C1R)(rows[c], width, {width, height},
-                                                                                     half, 8, {8, 8});
-      zoriSub128_JPEG_8u16s_C1R(half, 8, planes[c], 16, {8, 8});
-      continue;
-    }
-    for (int32_t b = 0; b < width * height / 64; ++b) {
-      const int32_t x = b * 8 % width, y = b * 8 / width * 8;
-      zoriSub128_JPEG_8u16s_C1R(rows[c] + y * width + x, width, planes[c] + 64 * b, 16, {8, 8});
-    }
-  }
-  return StatusOk;
-}
-
 constexpr Conversion kConversions[] = {
     {ColorCoding::yCbCr, 8, 8, zoriRGBToYCbCr444LS_MCU_8u16s_C3P3R},
     {ColorCoding::yCbCr, 16, 8, zoriRGBToYCbCr422LS_MCU_8u16s_C3P3R},
     {ColorCoding::yCbCr, 16, 16, zoriRGBToYCbCr411LS_MCU_8u16s_C3P3R},
     {ColorCoding::rgb, 8, 8, zoriSampleDown444LS_MCU_8u16s_C3P3R},
     {ColorCoding::cmyk, 8, 8, splitCmyk},
-    {ColorCoding::ycck, 8, 8, ycck<8, 8>},
-    {ColorCoding::ycck, 16, 8, ycck<16, 8>},
-    {ColorCoding::ycck, 16, 16, ycck<16, 16>},
+    {ColorCoding::ycck, 8, 8, zoriCMYKToYCCK444LS_MCU_8u16s_C4P4R},
+    {ColorCoding::ycck, 16, 8, zoriCMYKToYCCK422LS_MCU_8u16s_C4P4R},
+    {ColorCoding::ycck, 16, 16, zoriCMYKToYCCK411LS_MCU_8u16s_C4P4R},
 };
 
 }  // namespace

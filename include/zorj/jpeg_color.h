@@ -26,10 +26,10 @@
  * bits, and unused bits are written as 0.
  *
  * The blocks of MCUs are 64 contiguous signed 16-bit samples in row-major order, level-shifted by 128, at any byte
- * address. An MCU is an array of three pointers, to the blocks of Y, Cb and Cr; the blocks of one component follow one
- * another without a gap.
+ * address. An MCU is an array of pointers to the blocks of Y, Cb, Cr and, of YCCK, K; the blocks of one component
+ * follow one another without a gap.
  *
- * | token | pixels  | Y blocks                                                | Cb, Cr                       |
+ * | token | pixels  | blocks of Y, and of K                                   | Cb, Cr                       |
  * |-------|---------|---------------------------------------------------------|------------------------------|
  * | 444   | 8 x 8   | 1                                                       | 1 each, a sample a pixel     |
  * | 422   | 16 x 8  | 2: columns 0 to 7, 8 to 15                              | 1 each, a sample for 2 x 1   |
@@ -394,17 +394,27 @@ ZORJ_API StatusCode ZORJ_CALL zoriYCCKToCMYK_JPEG_8u_P4R(const uint8_t* const pS
 /** @} */
 
 /**
- * Converts the 8 x 8 pixels of one MCU from RGB to level-shifted YCbCr.
- *
+ * @name Pixels to the blocks of an MCU
  * The luminance of BT.601 and the chroma of JFIF, minus 128, in fixed point with 14 fractional bits:
- * Y = (4899 R + 9617 G + 1868 B - 2088960) >> 14, within -128 .. 127; Cb = (-2764 R - 5428 G + 8192 B + 8192) >> 14;
- * Cr = (8192 R - 6860 G - 1332 B + 8192) >> 14, both within -128 .. 128.
+ * Y = (4899 R + 9617 G + 1868 B - 2088960) >> 14, within -128 .. 127. With R, G and B summed over the n = 1, 2 or 4
+ * pixels that share a chroma sample, their average is taken in the same step:
+ * Cb = (-2764 R - 5428 G + 8192 B + 8192 n) >> (14 + log2(n)), Cr = (8192 R - 6860 G - 1332 B + 8192 n) >>
+ * (14 + log2(n)), both within -128 .. 128. CMYK stands for R = 255 - C, G = 255 - M, B = 255 - Y, and K - 128 makes
+ * the fourth component.
  *
- * @param pSrc     the pixels, 8 to a row of 24 bytes; nothing beyond them is read
+ * Checks, in this order: the pixels or the array null (StatusNullPointer); the step below 1 (StatusBadStep); the
+ * pointers to the blocks in turn null (StatusNullPointer). Nothing is written when a check fails. The blocks may not
+ * overlap the pixels or one another. Only the bytes of the pixels are read, only those of the blocks written.
+ * @{
+ */
+
+/**
+ * Converts the 8 x 8 pixels of one MCU from RGB to level-shifted YCbCr, a chroma sample a pixel.
+ *
+ * @param pSrc     the pixels, 8 to a row of 24 bytes
  * @param srcStep  bytes from row to row
- * @param pDstMCU  one block each of Y, Cb and Cr; may not overlap the pixels or one another
- * @return StatusNullPointer if pSrc or pDstMCU is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @param pDstMCU  one block each of Y, Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr444LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
@@ -412,16 +422,10 @@ ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr444LS_MCU_8u16s_C3P3R(const uint8_t*
 /**
  * Converts the 16 x 8 pixels of one MCU from RGB to level-shifted YCbCr, a chroma sample for two neighbours.
  *
- * The luminance of BT.601 and the chroma of JFIF, minus 128, in fixed point with 14 fractional bits:
- * Y = (4899 R + 9617 G + 1868 B - 2088960) >> 14, within -128 .. 127; Cb = (-2764 R - 5428 G + 8192 B + 16384) >> 15;
- * Cr = (8192 R - 6860 G - 1332 B + 16384) >> 15, both within -128 .. 128, with R, G and B
- * summed over the two pixels.
- *
- * @param pSrc     the pixels, 16 to a row of 48 bytes; nothing beyond them is read
+ * @param pSrc     the pixels, 16 to a row of 48 bytes
  * @param srcStep  bytes from row to row
- * @param pDstMCU  two blocks of Y, left and right, and one each of Cb and Cr; may not overlap the pixels or one another
- * @return StatusNullPointer if pSrc or pDstMCU is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @param pDstMCU  two blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr422LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
@@ -429,33 +433,21 @@ ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr422LS_MCU_8u16s_C3P3R(const uint8_t*
 /**
  * Converts the 16 x 16 pixels of one MCU from RGB to level-shifted YCbCr, a chroma sample for 2 x 2 pixels.
  *
- * The luminance of BT.601 and the chroma of JFIF, minus 128, in fixed point with 14 fractional bits:
- * Y = (4899 R + 9617 G + 1868 B - 2088960) >> 14, within -128 .. 127; Cb = (-2764 R - 5428 G + 8192 B + 32768) >> 16;
- * Cr = (8192 R - 6860 G - 1332 B + 32768) >> 16, both within -128 .. 128, with R, G and B
- * summed over the four pixels.
- *
- * @param pSrc     the pixels, 16 to a row of 48 bytes; nothing beyond them is read
+ * @param pSrc     the pixels, 16 to a row of 48 bytes
  * @param srcStep  bytes from row to row
- * @param pDstMCU  four blocks of Y (top left, top right, bottom left, bottom right) and one each of Cb and Cr; may not
- * overlap the pixels or one another
- * @return StatusNullPointer if pSrc or pDstMCU is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @param pDstMCU  four blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriRGBToYCbCr411LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
 
 /**
- * Converts the 8 x 8 pixels of one MCU from BGR to level-shifted YCbCr.
+ * Converts the 8 x 8 pixels of one MCU from BGR to level-shifted YCbCr, a chroma sample a pixel.
  *
- * The luminance of BT.601 and the chroma of JFIF, minus 128, in fixed point with 14 fractional bits:
- * Y = (4899 R + 9617 G + 1868 B - 2088960) >> 14, within -128 .. 127; Cb = (-2764 R - 5428 G + 8192 B + 8192) >> 14;
- * Cr = (8192 R - 6860 G - 1332 B + 8192) >> 14, both within -128 .. 128.
- *
- * @param pSrc     the pixels, 8 to a row of 24 bytes; nothing beyond them is read
+ * @param pSrc     the pixels, 8 to a row of 24 bytes
  * @param srcStep  bytes from row to row
- * @param pDstMCU  one block each of Y, Cb and Cr; may not overlap the pixels or one another
- * @return StatusNullPointer if pSrc or pDstMCU is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @param pDstMCU  one block each of Y, Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriBGRToYCbCr444LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
@@ -463,16 +455,10 @@ ZORJ_API StatusCode ZORJ_CALL zoriBGRToYCbCr444LS_MCU_8u16s_C3P3R(const uint8_t*
 /**
  * Converts the 16 x 8 pixels of one MCU from BGR to level-shifted YCbCr, a chroma sample for two neighbours.
  *
- * The luminance of BT.601 and the chroma of JFIF, minus 128, in fixed point with 14 fractional bits:
- * Y = (4899 R + 9617 G + 1868 B - 2088960) >> 14, within -128 .. 127; Cb = (-2764 R - 5428 G + 8192 B + 16384) >> 15;
- * Cr = (8192 R - 6860 G - 1332 B + 16384) >> 15, both within -128 .. 128, with R, G and B
- * summed over the two pixels.
- *
- * @param pSrc     the pixels, 16 to a row of 48 bytes; nothing beyond them is read
+ * @param pSrc     the pixels, 16 to a row of 48 bytes
  * @param srcStep  bytes from row to row
- * @param pDstMCU  two blocks of Y, left and right, and one each of Cb and Cr; may not overlap the pixels or one another
- * @return StatusNullPointer if pSrc or pDstMCU is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @param pDstMCU  two blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriBGRToYCbCr422LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
@@ -480,86 +466,331 @@ ZORJ_API StatusCode ZORJ_CALL zoriBGRToYCbCr422LS_MCU_8u16s_C3P3R(const uint8_t*
 /**
  * Converts the 16 x 16 pixels of one MCU from BGR to level-shifted YCbCr, a chroma sample for 2 x 2 pixels.
  *
- * The luminance of BT.601 and the chroma of JFIF, minus 128, in fixed point with 14 fractional bits:
- * Y = (4899 R + 9617 G + 1868 B - 2088960) >> 14, within -128 .. 127; Cb = (-2764 R - 5428 G + 8192 B + 32768) >> 16;
- * Cr = (8192 R - 6860 G - 1332 B + 32768) >> 16, both within -128 .. 128, with R, G and B
- * summed over the four pixels.
- *
- * @param pSrc     the pixels, 16 to a row of 48 bytes; nothing beyond them is read
+ * @param pSrc     the pixels, 16 to a row of 48 bytes
  * @param srcStep  bytes from row to row
- * @param pDstMCU  four blocks of Y (top left, top right, bottom left, bottom right) and one each of Cb and Cr; may not
- * overlap the pixels or one another
- * @return StatusNullPointer if pSrc or pDstMCU is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @param pDstMCU  four blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriBGRToYCbCr411LS_MCU_8u16s_C3P3R(const uint8_t* pSrc, int32_t srcStep,
                                                                   int16_t* const pDstMCU[3]);
 
 /**
- * Converts one MCU of level-shifted YCbCr to 8 x 8 pixels of RGB.
+ * Converts the 8 x 8 pixels of one MCU from packed BGR555 to level-shifted YCbCr, a chroma sample a pixel.
  *
+ * @param pSrc     the pixels, 8 to a row of 16 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  one block each of Y, Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriBGR555ToYCbCr444LS_MCU_16u16s_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                      int16_t* const pDstMCU[3]);
+
+/**
+ * Converts the 16 x 8 pixels of one MCU from packed BGR555 to level-shifted YCbCr, a chroma sample for two neighbours.
+ *
+ * @param pSrc     the pixels, 16 to a row of 32 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  two blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriBGR555ToYCbCr422LS_MCU_16u16s_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                      int16_t* const pDstMCU[3]);
+
+/**
+ * Converts the 16 x 16 pixels of one MCU from packed BGR555 to level-shifted YCbCr, a chroma sample for 2 x 2 pixels.
+ *
+ * @param pSrc     the pixels, 16 to a row of 32 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  four blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriBGR555ToYCbCr411LS_MCU_16u16s_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                      int16_t* const pDstMCU[3]);
+
+/**
+ * Converts the 8 x 8 pixels of one MCU from packed BGR565 to level-shifted YCbCr, a chroma sample a pixel.
+ *
+ * @param pSrc     the pixels, 8 to a row of 16 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  one block each of Y, Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriBGR565ToYCbCr444LS_MCU_16u16s_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                      int16_t* const pDstMCU[3]);
+
+/**
+ * Converts the 16 x 8 pixels of one MCU from packed BGR565 to level-shifted YCbCr, a chroma sample for two neighbours.
+ *
+ * @param pSrc     the pixels, 16 to a row of 32 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  two blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriBGR565ToYCbCr422LS_MCU_16u16s_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                      int16_t* const pDstMCU[3]);
+
+/**
+ * Converts the 16 x 16 pixels of one MCU from packed BGR565 to level-shifted YCbCr, a chroma sample for 2 x 2 pixels.
+ *
+ * @param pSrc     the pixels, 16 to a row of 32 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  four blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriBGR565ToYCbCr411LS_MCU_16u16s_C3P3R(const uint16_t* pSrc, int32_t srcStep,
+                                                                      int16_t* const pDstMCU[3]);
+
+/**
+ * Converts the 8 x 8 pixels of one MCU from CMYK to level-shifted YCCK, a chroma sample a pixel.
+ *
+ * @param pSrc     the pixels, 8 to a row of 32 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  one block each of Y, Cb, Cr and K
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriCMYKToYCCK444LS_MCU_8u16s_C4P4R(const uint8_t* pSrc, int32_t srcStep,
+                                                                  int16_t* const pDstMCU[4]);
+
+/**
+ * Converts the 16 x 8 pixels of one MCU from CMYK to level-shifted YCCK, a chroma sample for two neighbours.
+ *
+ * @param pSrc     the pixels, 16 to a row of 64 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  two blocks each of Y and K, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriCMYKToYCCK422LS_MCU_8u16s_C4P4R(const uint8_t* pSrc, int32_t srcStep,
+                                                                  int16_t* const pDstMCU[4]);
+
+/**
+ * Converts the 16 x 16 pixels of one MCU from CMYK to level-shifted YCCK, a chroma sample for 2 x 2 pixels.
+ *
+ * @param pSrc     the pixels, 16 to a row of 64 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  four blocks each of Y and K, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriCMYKToYCCK411LS_MCU_8u16s_C4P4R(const uint8_t* pSrc, int32_t srcStep,
+                                                                  int16_t* const pDstMCU[4]);
+
+/** @} */
+
+/**
+ * @name Blocks of an MCU to pixels
+ * The inverse of JFIF's matrix plus 128, rounded; chroma is repeated, not interpolated. For 4:4:4 and 4:2:2:
  * R = clamp(Y + ((22970 Cr + 2105344) >> 14)), G = clamp(Y + ((-5638 Cb - 11700 Cr + 2105344) >> 14)),
- * B = clamp(Y + ((29032 Cb + 2105344) >> 14)): the inverse of JFIF's matrix plus 128, rounded. The terms are saturated
- * to 16 bits, the sums wrap in 16 bits, and the result is clamped to 0 .. 255.
+ * B = clamp(Y + ((29032 Cb + 2105344) >> 14)). For chroma of 2 x 2 pixels, with one fractional bit less for red and
+ * blue, so that the two may differ by one: R = clamp(Y + ((11485 Cr + 1052672) >> 13)),
+ * G = clamp(Y - ((5638 Cb + 11700 Cr - 2088960) >> 14)), B = clamp(Y + ((14516 Cb + 1052672) >> 13)). Any samples are
+ * allowed: the terms are saturated to 16 bits, the sums wrap in 16 bits, and the result is clamped to 0 .. 255.
+ * Packed pixels drop the low bits of these channels. CMYK is C = 255 - R, M = 255 - G, Y = 255 - B and clamp(K + 128).
+ *
+ * Checks, in this order: the array or the pixels null (StatusNullPointer); the step below 1 (StatusBadStep); the
+ * pointers to the blocks in turn null (StatusNullPointer). Nothing is written when a check fails. The pixels may not
+ * overlap the blocks. Only the samples of the blocks are read, only the bytes of the pixels written.
+ * @{
+ */
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample a pixel, to 8 x 8 pixels of RGB.
  *
  * @param pSrcMCU  one block each of Y, Cb and Cr
- * @param pDst     the pixels, 8 to a row of 24 bytes; may not overlap the blocks
+ * @param pDst     the pixels, 8 to a row of 24 bytes
  * @param dstStep  bytes from row to row
- * @return StatusNullPointer if pSrcMCU or pDst is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCr444ToRGBLS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
                                                                   int32_t dstStep);
 
 /**
- * Converts one MCU of level-shifted YCbCr to 16 x 16 pixels of RGB, a chroma sample for 2 x 2 pixels.
+ * Converts one MCU of level-shifted YCbCr, a chroma sample for two neighbours, to 16 x 8 pixels of RGB.
  *
- * With one fractional bit less for red and blue than the function for 4:4:4, so the two may differ by one:
- * R = clamp(Y + ((11485 Cr + 1052672) >> 13)), G = clamp(Y - ((5638 Cb + 11700 Cr - 2088960) >> 14)),
- * B = clamp(Y + ((14516 Cb + 1052672) >> 13)). The terms are saturated to 16 bits, the sums wrap in 16 bits, and the
- * result is clamped to 0 .. 255. Chroma is repeated, not interpolated.
- *
- * @param pSrcMCU  four blocks of Y (top left, top right, bottom left, bottom right) and one each of Cb and Cr
- * @param pDst     the pixels, 16 to a row of 48 bytes; may not overlap the blocks
+ * @param pSrcMCU  two blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 48 bytes
  * @param dstStep  bytes from row to row
- * @return StatusNullPointer if pSrcMCU or pDst is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr422ToRGBLS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
+                                                                  int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample for 2 x 2 pixels, to 16 x 16 pixels of RGB.
+ *
+ * @param pSrcMCU  four blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 48 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCr411ToRGBLS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
                                                                   int32_t dstStep);
 
 /**
- * Converts one MCU of level-shifted YCbCr to 8 x 8 pixels of BGR.
- *
- * R = clamp(Y + ((22970 Cr + 2105344) >> 14)), G = clamp(Y + ((-5638 Cb - 11700 Cr + 2105344) >> 14)),
- * B = clamp(Y + ((29032 Cb + 2105344) >> 14)): the inverse of JFIF's matrix plus 128, rounded. The terms are saturated
- * to 16 bits, the sums wrap in 16 bits, and the result is clamped to 0 .. 255.
+ * Converts one MCU of level-shifted YCbCr, a chroma sample a pixel, to 8 x 8 pixels of BGR.
  *
  * @param pSrcMCU  one block each of Y, Cb and Cr
- * @param pDst     the pixels, 8 to a row of 24 bytes; may not overlap the blocks
+ * @param pDst     the pixels, 8 to a row of 24 bytes
  * @param dstStep  bytes from row to row
- * @return StatusNullPointer if pSrcMCU or pDst is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCr444ToBGRLS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
                                                                   int32_t dstStep);
 
 /**
- * Converts one MCU of level-shifted YCbCr to 16 x 16 pixels of BGR, a chroma sample for 2 x 2 pixels.
+ * Converts one MCU of level-shifted YCbCr, a chroma sample for two neighbours, to 16 x 8 pixels of BGR.
  *
- * With one fractional bit less for red and blue than the function for 4:4:4, so the two may differ by one:
- * R = clamp(Y + ((11485 Cr + 1052672) >> 13)), G = clamp(Y - ((5638 Cb + 11700 Cr - 2088960) >> 14)),
- * B = clamp(Y + ((14516 Cb + 1052672) >> 13)). The terms are saturated to 16 bits, the sums wrap in 16 bits, and the
- * result is clamped to 0 .. 255. Chroma is repeated, not interpolated.
- *
- * @param pSrcMCU  four blocks of Y (top left, top right, bottom left, bottom right) and one each of Cb and Cr
- * @param pDst     the pixels, 16 to a row of 48 bytes; may not overlap the blocks
+ * @param pSrcMCU  two blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 48 bytes
  * @param dstStep  bytes from row to row
- * @return StatusNullPointer if pSrcMCU or pDst is null; then StatusBadStep; then StatusNullPointer if a plane is null.
- *         Nothing is written on failure.
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr422ToBGRLS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
+                                                                  int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample for 2 x 2 pixels, to 16 x 16 pixels of BGR.
+ *
+ * @param pSrcMCU  four blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 48 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
  */
 ZORJ_API StatusCode ZORJ_CALL zoriYCbCr411ToBGRLS_MCU_16s8u_P3C3R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
                                                                   int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample a pixel, to 8 x 8 pixels of packed BGR555.
+ *
+ * @param pSrcMCU  one block each of Y, Cb and Cr
+ * @param pDst     the pixels, 8 to a row of 16 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr444ToBGR555LS_MCU_16s16u_P3C3R(const int16_t* const pSrcMCU[3], uint16_t* pDst,
+                                                                      int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample for two neighbours, to 16 x 8 pixels of packed BGR555.
+ *
+ * @param pSrcMCU  two blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 32 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr422ToBGR555LS_MCU_16s16u_P3C3R(const int16_t* const pSrcMCU[3], uint16_t* pDst,
+                                                                      int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample for 2 x 2 pixels, to 16 x 16 pixels of packed BGR555.
+ *
+ * @param pSrcMCU  four blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 32 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr411ToBGR555LS_MCU_16s16u_P3C3R(const int16_t* const pSrcMCU[3], uint16_t* pDst,
+                                                                      int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample a pixel, to 8 x 8 pixels of packed BGR565.
+ *
+ * @param pSrcMCU  one block each of Y, Cb and Cr
+ * @param pDst     the pixels, 8 to a row of 16 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr444ToBGR565LS_MCU_16s16u_P3C3R(const int16_t* const pSrcMCU[3], uint16_t* pDst,
+                                                                      int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample for two neighbours, to 16 x 8 pixels of packed BGR565.
+ *
+ * @param pSrcMCU  two blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 32 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr422ToBGR565LS_MCU_16s16u_P3C3R(const int16_t* const pSrcMCU[3], uint16_t* pDst,
+                                                                      int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCbCr, a chroma sample for 2 x 2 pixels, to 16 x 16 pixels of packed BGR565.
+ *
+ * @param pSrcMCU  four blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 32 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCbCr411ToBGR565LS_MCU_16s16u_P3C3R(const int16_t* const pSrcMCU[3], uint16_t* pDst,
+                                                                      int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCCK, a chroma sample a pixel, to 8 x 8 pixels of CMYK.
+ *
+ * @param pSrcMCU  one block each of Y, Cb, Cr and K
+ * @param pDst     the pixels, 8 to a row of 32 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCCK444ToCMYKLS_MCU_16s8u_P4C4R(const int16_t* const pSrcMCU[4], uint8_t* pDst,
+                                                                  int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCCK, a chroma sample for two neighbours, to 16 x 8 pixels of CMYK.
+ *
+ * @param pSrcMCU  two blocks each of Y and K, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 64 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCCK422ToCMYKLS_MCU_16s8u_P4C4R(const int16_t* const pSrcMCU[4], uint8_t* pDst,
+                                                                  int32_t dstStep);
+
+/**
+ * Converts one MCU of level-shifted YCCK, a chroma sample for 2 x 2 pixels, to 16 x 16 pixels of CMYK.
+ *
+ * @param pSrcMCU  four blocks each of Y and K, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 64 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriYCCK411ToCMYKLS_MCU_16s8u_P4C4R(const int16_t* const pSrcMCU[4], uint8_t* pDst,
+                                                                  int32_t dstStep);
+
+/** @} */
+
+/**
+ * @name Interleaved 4:2:2 and the blocks of an MCU
+ * Two neighbouring pixels are the four bytes Y Cb Y Cr. No colour is converted.
+ *
+ * Checks, in this order: pSrc or pDstMCU, pSrcMCU or pDst, null (StatusNullPointer); the step below 1 (StatusBadStep);
+ * the pointers to the blocks in turn null (StatusNullPointer). Nothing is written when a check fails. Pixels and blocks
+ * may not overlap. Only the bytes of the pixels and the samples of the blocks are read and written.
+ * @{
+ */
+
+/**
+ * Takes the 16 x 8 pixels of one MCU apart, every sample minus 128.
+ *
+ * @param pSrc     the pixels, 16 to a row of 32 bytes
+ * @param srcStep  bytes from row to row
+ * @param pDstMCU  two blocks of Y, one each of Cb and Cr
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriSplit422LS_MCU_8u16s_C2P3R(const uint8_t* pSrc, int32_t srcStep,
+                                                             int16_t* const pDstMCU[3]);
+
+/**
+ * Puts the 16 x 8 pixels of one MCU together, every sample plus 128 and clamped to 0 .. 255.
+ *
+ * @param pSrcMCU  two blocks of Y, one each of Cb and Cr
+ * @param pDst     the pixels, 16 to a row of 32 bytes
+ * @param dstStep  bytes from row to row
+ * @return StatusOk, StatusNullPointer or StatusBadStep
+ */
+ZORJ_API StatusCode ZORJ_CALL zoriJoin422LS_MCU_16s8u_P3C2R(const int16_t* const pSrcMCU[3], uint8_t* pDst,
+                                                            int32_t dstStep);
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -32,9 +32,7 @@ struct Coarse {
 // Where both kinds are used, the fine weights serve whole groups of this many pixels.
 inline constexpr size_t kFineGroup = 8;
 
-struct Pixel {
-  int32_t red, green, blue;
-};
+using Pixel = Channels<int32_t>;
 
 #if ZORJ_SIMD
 
@@ -67,29 +65,11 @@ struct FromInterleaved {
   }
 
 #if ZORJ_SIMD
-  // Which bytes of four pixels, that start at byte `start`, make their pairs.
-  struct PairBytes {
-    uint8_t redGreen[16], blue[16];
-  };
-  static constexpr PairBytes pairBytes(size_t start) {
-    PairBytes bytes{};
-    for (size_t i = 0; i < 16; ++i) {
-      const size_t pixel = start + 3 * (i / 4);
-      bytes.redGreen[i] = static_cast<uint8_t>(i % 4 == 0   ? pixel + Order::red
-                                               : i % 4 == 2 ? pixel + Order::green
-                                                            : kNone);
-      bytes.blue[i] = static_cast<uint8_t>(i % 4 == 0 ? pixel + Order::blue : kNone);
-    }
-    return bytes;
-  }
-  // Four pixels at the start of 16 bytes and at their end.
-  static constexpr PairBytes kFirst = pairBytes(0), kLast = pairBytes(4);
-
   template <size_t kPart, class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
     // The 16 bytes of the last four pixels end with them: nothing beyond is read.
-    constexpr size_t kStart = kPart < 3 ? 12 * kPart : 32;
-    const PairBytes& bytes = kPart < 3 ? kFirst : kLast;
+    constexpr size_t kStart = kPart < 3 ? 12 * kPart : 32, kFirst = 12 * kPart - kStart;
+    const PairBytes& bytes = kPairBytes<Order, kFirst>;
     const auto blocks = loadBlocks(d, src[0] + 3 * x + kStart, 48);
     return {hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.redGreen)),
             hn::Or(hn::BitCast(WordTag<D>(), arrange(d, blocks, bytes.blue)), pairOf(d, 0, 1))};
@@ -114,25 +94,15 @@ template <class Format>
 struct FromPacked {
   using Rows = PlaneRows<const uint16_t, 1>;
 
-  static Pixel pixel(const Rows& src, size_t x) {
-    const int32_t word = loadUnaligned(src[0] + x);
-    const int32_t low = word << Format::kLowShift & Format::kHighMask;
-    const int32_t green = word >> Format::kGreenShift & Format::kGreenMask;
-    const int32_t high = word >> Format::kHighShift & Format::kHighMask;
-    return Format::kRedIsLow ? Pixel{low, green, high} : Pixel{high, green, low};
-  }
+  static Pixel pixel(const Rows& src, size_t x) { return Format::unpack(loadUnaligned(src[0] + x)); }
 
 #if ZORJ_SIMD
   template <size_t kPart, class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
     const WordTag<D> d16;
-    const auto end = hn::Set(d16, Format::kHighMask), middle = hn::Set(d16, Format::kGreenMask), one = hn::Set(d16, 1);
+    const auto one = hn::Set(d16, 1);
     const auto* from = reinterpret_cast<const uint8_t*>(src[0]) + 2 * x + 16 * (kPart / 2);
-    const auto words = hn::BitCast(d16, loadBlocks(d, from, 32));
-    const auto low = hn::And(hn::ShiftLeft<Format::kLowShift>(words), end);
-    const auto green = hn::And(hn::ShiftRight<Format::kGreenShift>(words), middle);
-    const auto high = hn::And(hn::ShiftRight<Format::kHighShift>(words), end);
-    const auto red = Format::kRedIsLow ? low : high, blue = Format::kRedIsLow ? high : low;
+    const auto [red, green, blue] = Format::unpackLanes(hn::BitCast(d16, loadBlocks(d, from, 32)));
     if constexpr (kPart % 2 == 0) return {hn::InterleaveLower(d16, red, green), hn::InterleaveLower(d16, blue, one)};
     return {hn::InterleaveUpper(d16, red, green), hn::InterleaveUpper(d16, blue, one)};
   }
@@ -144,25 +114,21 @@ struct FromCmyk {
   using Rows = PlaneRows<const uint8_t, 1>;
 
   static Pixel pixel(const Rows& src, size_t x) {
-    const uint8_t* at = src[0] + kCmykBytes * x;
+    const uint8_t* at = src[0] + Cmyk::kBytes * x;
     return {255 - at[0], 255 - at[1], 255 - at[2]};
   }
-  static uint8_t key(const Rows& src, size_t x) { return src[0][kCmykBytes * x + 3]; }
+  static uint8_t key(const Rows& src, size_t x) { return src[0][Cmyk::kBytes * x + Cmyk::key]; }
 
 #if ZORJ_SIMD
   template <class D>
   static HWY_INLINE Bytes<D> fourPixels(D d, const Rows& src, size_t x, size_t i) {
-    return loadBlocks(d, src[0] + kCmykBytes * x + 16 * i, 64);
+    return loadBlocks(d, src[0] + Cmyk::kBytes * x + 16 * i, 64);
   }
   template <size_t kPart, class D>
   static HWY_INLINE PixelPairs<D> load(D d, const Rows& src, size_t x) {
-    static constexpr uint8_t kRedGreen[] = {0, kNone, 1, kNone, 4,  kNone, 5,  kNone,
-                                            8, kNone, 9, kNone, 12, kNone, 13, kNone};
-    static constexpr uint8_t kBlue[] = {2,  kNone, kNone, kNone, 6,  kNone, kNone, kNone,
-                                        10, kNone, kNone, kNone, 14, kNone, kNone, kNone};
     const auto rgb = complement(d, fourPixels(d, src, x, kPart));
-    return {hn::BitCast(WordTag<D>(), arrange(d, rgb, kRedGreen)),
-            hn::Or(hn::BitCast(WordTag<D>(), arrange(d, rgb, kBlue)), pairOf(d, 0, 1))};
+    return {hn::BitCast(WordTag<D>(), arrange(d, rgb, kPairBytes<Cmyk, 0>.redGreen)),
+            hn::Or(hn::BitCast(WordTag<D>(), arrange(d, rgb, kPairBytes<Cmyk, 0>.blue)), pairOf(d, 0, 1))};
   }
   template <class D>
   static HWY_INLINE Bytes<D> keys(D d, const Rows& src, size_t x) {

@@ -23,6 +23,7 @@ struct Fine {
   static int32_t green(int32_t cb, int32_t cr) { return (-5638 * cb - 11700 * cr + 8302) >> 14; }
   static int32_t blue(int32_t cb) { return (29032 * cb + 8135) >> 14; }
 
+#if ZORJ_SIMD
   static constexpr int16_t kRed = 22970, kBlue = 29032;
   static constexpr bool kHasExcess = true;
   static constexpr int16_t kRedExcess = 51, kBlueExcess = -125;
@@ -30,6 +31,7 @@ struct Fine {
   static constexpr int16_t kGreenCb = -2819, kGreenCr = -5850;
   static constexpr int32_t kGreenRounding = 8302;
   static constexpr int kGreenShift = 14;
+#endif
 };
 // For channels that lose their low bits.
 struct Coarse {
@@ -37,20 +39,20 @@ struct Coarse {
   static int32_t green(int32_t cb, int32_t cr) { return (-22554 * cb - 46802 * cr + 32768) >> 16; }
   static int32_t blue(int32_t cb) { return (116130 * cb + 32768) >> 16; }
 
+#if ZORJ_SIMD
   static constexpr int16_t kRed = 22970, kBlue = 29033;
   static constexpr bool kHasExcess = false;
   static constexpr int16_t kRedExcess = 0, kBlueExcess = 0;
   static constexpr int16_t kGreenCb = -11277, kGreenCr = -23401;
   static constexpr int32_t kGreenRounding = 32768;
   static constexpr int kGreenShift = 16;
+#endif
 };
 
 struct Ycc {
   int32_t luma, cb, cr;
 };
-struct Pixel {
-  uint8_t red, green, blue;
-};
+using Pixel = Channels<uint8_t>;
 
 #if ZORJ_SIMD
 template <class D>
@@ -58,9 +60,9 @@ struct YccBytes {
   Bytes<D> luma, cb, cr;
 };
 template <class D>
-struct RgbBytes {
-  Bytes<D> red, green, blue;
-};
+using RgbBytes = Channels<Bytes<D>>;
+template <class D>
+using RgbWords = Channels<Words<D>>;
 #endif
 
 template <size_t kPlanes>
@@ -172,29 +174,17 @@ struct ToPacked {
 
   template <class Source>
   static void store(const Pixel& pixel, const Source&, const Rows& dst, size_t x) {
-    const int32_t low = Format::kRedIsLow ? pixel.red : pixel.blue, high = Format::kRedIsLow ? pixel.blue : pixel.red;
-    const int32_t word = low >> Format::kLowShift | (pixel.green & Format::kGreenMask) << Format::kGreenShift |
-                         (high & Format::kHighMask) << Format::kHighShift;
-    storeUnaligned(dst[0] + x, static_cast<uint16_t>(word));
+    storeUnaligned(dst[0] + x, Format::pack({pixel.red, pixel.green, pixel.blue}));
   }
 
 #if ZORJ_SIMD
   template <class Source, class D>
   static HWY_INLINE void store(D d, const RgbBytes<D>& pixels, const Source&, const Rows& dst, size_t x) {
-    const hn::Repartition<uint16_t, D> d16;
     const auto zero = hn::Zero(d);
-    const auto low = Format::kRedIsLow ? pixels.red : pixels.blue, high = Format::kRedIsLow ? pixels.blue : pixels.red;
-    const auto pack = [&](auto lowWords, auto greenWords, auto highWords) HWY_ATTR {
-      const auto green = hn::And(hn::BitCast(d16, greenWords), hn::Set(d16, Format::kGreenMask));
-      const auto top = hn::And(hn::BitCast(d16, highWords), hn::Set(d16, Format::kHighMask));
-      return hn::Or(hn::Or(hn::ShiftRight<Format::kLowShift>(hn::BitCast(d16, lowWords)),
-                           hn::ShiftLeft<Format::kGreenShift>(green)),
-                    hn::ShiftLeft<Format::kHighShift>(top));
-    };
-    const auto first = pack(hn::InterleaveLower(d, low, zero), hn::InterleaveLower(d, pixels.green, zero),
-                            hn::InterleaveLower(d, high, zero));
-    const auto second = pack(hn::InterleaveUpper(d, low, zero), hn::InterleaveUpper(d, pixels.green, zero),
-                             hn::InterleaveUpper(d, high, zero));
+    const auto lower = [&](Bytes<D> v) HWY_ATTR { return hn::BitCast(WordTag<D>(), hn::InterleaveLower(d, v, zero)); };
+    const auto upper = [&](Bytes<D> v) HWY_ATTR { return hn::BitCast(WordTag<D>(), hn::InterleaveUpper(d, v, zero)); };
+    const auto first = Format::packLanes(RgbWords<D>{lower(pixels.red), lower(pixels.green), lower(pixels.blue)});
+    const auto second = Format::packLanes(RgbWords<D>{upper(pixels.red), upper(pixels.green), upper(pixels.blue)});
     auto* to = reinterpret_cast<uint8_t*>(dst[0] + x);
     storeBlocks(d, hn::BitCast(d, first), to, 32);
     storeBlocks(d, hn::BitCast(d, second), to + 16, 32);
@@ -207,7 +197,7 @@ struct ToCmyk {
 
   template <class Source>
   static void store(const Pixel& pixel, const Source& src, const Rows& dst, size_t x) {
-    uint8_t* at = dst[0] + kCmykBytes * x;
+    uint8_t* at = dst[0] + Cmyk::kBytes * x;
     at[0] = static_cast<uint8_t>(255 - pixel.red);
     at[1] = static_cast<uint8_t>(255 - pixel.green);
     at[2] = static_cast<uint8_t>(255 - pixel.blue);
@@ -222,7 +212,7 @@ struct ToCmyk {
                yellow = complement(d, pixels.blue), key = hn::LoadU(d, src[3] + x);
     const auto storeFour = [&](auto cyanMagenta, auto yellowKey, size_t i) HWY_ATTR {
       const auto low = hn::BitCast(d16, cyanMagenta), high = hn::BitCast(d16, yellowKey);
-      uint8_t* to = dst[0] + kCmykBytes * x + 32 * i;
+      uint8_t* to = dst[0] + Cmyk::kBytes * x + 32 * i;
       storeBlocks(d, hn::BitCast(d, hn::InterleaveLower(d16, low, high)), to, 64);
       storeBlocks(d, hn::BitCast(d, hn::InterleaveUpper(d16, low, high)), to + 16, 64);
     };
@@ -262,11 +252,6 @@ Pixel convert(const Ycc& pixel) {
 }
 
 #if ZORJ_SIMD
-
-template <class D>
-struct RgbWords {
-  Words<D> red, green, blue;
-};
 
 // The product with a weight in units of 2^-15, rounded, less one where `twice` is twice `excess`.
 template <bool kHasExcess, class D>

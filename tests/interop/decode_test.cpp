@@ -28,9 +28,9 @@ void expectScaledComponent(const Image& image, int32_t channel, const PeerCompon
       zorj::reference::ExactBlock dequantised;
       for (size_t i = 0; i < 64; ++i) dequantised[i] = coefficients[i] * component.stepSizes[i];
       const int32_t column = x % blockSize, row = y % blockSize;
-      const double exact =
-          blockSize == 1 ? dequantised[0] / 8
-                         : zorj::reference::exactInverse(dequantised, blockSize)[static_cast<size_t>(8 * row + column)];
+      const double exact = blockSize == 1
+                               ? dequantised[0] / 8
+                               : zorj::reference::exactInverse(dequantised, blockSize).data()[8 * row + column];
       ASSERT_LE(std::abs(image.at(x, y)[channel] - std::clamp(exact + 128, 0.0, 255.0)), 1)
           << "channel " << channel << " at " << x << ", " << y;
     }
