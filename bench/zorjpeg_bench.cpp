@@ -91,6 +91,12 @@ SharedImage inInk(const Image& rgb) {
   return cmyk;
 }
 
+SharedImage inGrey(const Image& rgb) {
+  const auto grey = std::make_shared<Image>(rgb.width, rgb.height, 1);
+  for (size_t i = 0; i < grey->samples.size(); ++i) grey->samples[i] = rgb.samples[3 * i + 1];
+  return grey;
+}
+
 }  // namespace
 
 void registerComparisons() {
@@ -115,10 +121,14 @@ void registerComparisons() {
   for (const int scale : {2, 4, 8}) {
     compareDecoders("4:2:0 q90 scale 1/" + std::to_string(scale), file, {Upsampling::triangle, scale}, TJPF_RGB);
   }
-  const SharedImage cmyk = inInk(*image);
-  const Setting ycck = {"YCCK 4:4:4 q90", {90, Sampling::s444}, TJSAMP_444, TJPF_CMYK};
-  compareEncoders(ycck, cmyk);
-  compareDecoders(ycck.name, encoded(ycck, cmyk), {}, TJPF_CMYK);
+  const std::pair<Setting, SharedImage> others[] = {
+      {{"grey q90", {90}, TJSAMP_GRAY, TJPF_GRAY}, inGrey(*image)},
+      {{"YCCK 4:4:4 q90", {90, Sampling::s444}, TJSAMP_444, TJPF_CMYK}, inInk(*image)},
+      {{"YCCK 4:2:0 q90", {90, Sampling::s420}, TJSAMP_420, TJPF_CMYK}, inInk(*image)}};
+  for (const auto& [setting, picture] : others) {
+    compareEncoders(setting, picture);
+    compareDecoders(setting.name, encoded(setting, picture), {}, setting.turboFormat);
+  }
 }
 
 }  // namespace zorj::bench

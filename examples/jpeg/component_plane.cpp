@@ -112,12 +112,13 @@ const uint8_t* ComponentPlane::expandH2V2(int32_t first, int32_t end) {
 }
 
 const uint8_t* ComponentPlane::expandH1V2(int32_t first, int32_t end) {
+  const int32_t width = imageWidth_;
   uint8_t* target = expanded_.data();
   for (int32_t y = first; y < end; ++y, target += step_) {
     const uint8_t* const near = row(y / 2);
     const uint8_t* const far = row(y % 2 == 0 ? y / 2 - 1 : y / 2 + 1);
     const int32_t bias = y % 2 == 0 ? 1 : 2;
-    for (int32_t x = 0; x < imageWidth_; ++x) target[x] = static_cast<uint8_t>((3 * near[x] + far[x] + bias) >> 2);
+    for (int32_t x = 0; x < width; ++x) target[x] = static_cast<uint8_t>((3 * near[x] + far[x] + bias) >> 2);
   }
   return expanded_.data();
 }
@@ -138,12 +139,10 @@ const uint8_t* ComponentPlane::replicate(int32_t first, int32_t end) {
 }
 
 void ComponentPlane::replicateRow(const uint8_t* source, uint8_t* target) const {
-  const int32_t whole = shape_.imageMcuWidth, part = shape_.mcuWidth;
-  int32_t x = 0;
-  if (whole == 2 * part) {
-    for (; x + 1 < imageWidth_; x += 2) target[x] = target[x + 1] = source[x / 2];
-  }
-  for (; x < imageWidth_; ++x) target[x] = source[x * part / whole];
+  const int32_t whole = shape_.imageMcuWidth, part = shape_.mcuWidth, width = imageWidth_;
+  const int32_t pairs = whole == 2 * part ? width / 2 : 0;
+  for (int32_t i = 0; i < pairs; ++i) target[2 * i] = target[2 * i + 1] = source[i];
+  for (int32_t x = 2 * pairs; x < width; ++x) target[x] = source[x * part / whole];
 }
 
 }  // namespace examples::jpeg

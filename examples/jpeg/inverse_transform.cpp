@@ -18,8 +18,10 @@ int32_t stepFor(int32_t samples) {
 template <int32_t channels>
 void interleave(const uint8_t* const* planes, int32_t step, uint8_t* pixels, RoiSize size) {
   for (int32_t y = 0; y < size.height; ++y, pixels += channels * size.width) {
+    const uint8_t* rows[channels];
+    for (int32_t c = 0; c < channels; ++c) rows[c] = planes[c] + ptrdiff_t{y} * step;
     for (int32_t x = 0; x < size.width; ++x) {
-      for (int32_t c = 0; c < channels; ++c) pixels[channels * x + c] = planes[c][ptrdiff_t{y} * step + x];
+      for (int32_t c = 0; c < channels; ++c) pixels[channels * x + c] = rows[c][x];
     }
   }
 }
