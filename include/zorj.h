@@ -9,6 +9,7 @@
 #include "zorj/jpeg_color.h"
 #include "zorj/jpeg_dct.h"
 #include "zorj/jpeg_huffman.h"
+#include "zorj/jpeg_lossless.h"
 #include "zorj/jpeg_sampling.h"
 #include "zorj/types.h"
 
