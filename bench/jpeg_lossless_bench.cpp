@@ -2,21 +2,23 @@
 // 12-bit samples that stay in the first-level cache.
 #include <zorj.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "support/compare.h"
 
 namespace zorj::bench {
 namespace {
 
-constexpr int32_t kWidth = 4096;
+constexpr int32_t kWidth = 4000;
+
+using Row = std::array<int16_t, kWidth>;
 
 struct Rows {
-  std::vector<int16_t> above = std::vector<int16_t>(kWidth), row = above, differences = above, out = above;
+  alignas(64) Row above, row, differences, out;
 };
 
 std::shared_ptr<Rows> photographicRows() {

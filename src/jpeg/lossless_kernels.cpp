@@ -99,13 +99,21 @@ bool overlap(const int16_t* a, const int16_t* b, size_t width) {
   return (first < second ? second - first : first - second) < width * sizeof *a;
 }
 
-// Calls column(i) for the columns from `begin` on in whole vectors, the last of which may overlap the one before, and
-// returns the first column left. The output must be apart from the inputs.
+// Calls column(i) for the columns from 1 on in whole vectors and returns the first column left. The first two vectors
+// and the last two may overlap, so the output must be apart from the inputs; the others start at multiples of their
+// size, which is where stores to an aligned row cost least.
 template <class Column>
-HWY_INLINE size_t forEachVector(size_t begin, size_t width, const Column& column) {
+HWY_INLINE size_t forEachVector(size_t width, const Column& column) {
   const size_t lanes = hn::Lanes(Words());
-  if (width < begin + lanes) return begin;
-  for (size_t i = begin; i < width; i += lanes) column(std::min(i, width - lanes));
+  if (width < 1 + lanes) return 1;
+  column(1);
+  size_t i = lanes;
+  for (; i + 2 * lanes <= width; i += 2 * lanes) {
+    column(i);
+    column(i + lanes);
+  }
+  if (i + lanes <= width) column(i);
+  column(width - lanes);
   return width;
 }
 #endif
@@ -116,7 +124,7 @@ void differences(const int16_t* input, const int16_t* above, int16_t first, int1
   size_t i = 1;
 #if ZORJ_SIMD
   const Words d;
-  i = forEachVector(i, width, [&](size_t at) HWY_ATTR {
+  i = forEachVector(width, [&](size_t at) HWY_ATTR {
     const auto prediction =
         Predictor::predict(hn::LoadU(d, input + at - 1), hn::LoadU(d, above + at), hn::LoadU(d, above + at - 1));
     hn::StoreU(hn::Sub(hn::LoadU(d, input + at), prediction), d, output + at);
@@ -138,7 +146,7 @@ void combineAbove(const int16_t* input, const int16_t* above, int16_t first, int
 #if ZORJ_SIMD
   if (!overlap(output, input, width) && !overlap(output, above, width)) {
     const Words d;
-    i = forEachVector(i, width, [&](size_t at) HWY_ATTR {
+    i = forEachVector(width, [&](size_t at) HWY_ATTR {
       const auto value = hn::LoadU(d, input + at), term = hn::LoadU(d, above + at - back);
       hn::StoreU(sign > 0 ? hn::Add(value, term) : hn::Sub(value, term), d, output + at);
     });
