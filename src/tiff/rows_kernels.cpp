@@ -43,8 +43,18 @@ HWY_INLINE void copyLiteral(uint8_t* to, const uint8_t* from, ptrdiff_t length) 
 #if ZORJ_SIMD
   const Bytes d;
   if (length >= kLanes) {
-    for (ptrdiff_t i = 0; i < length - kLanes; i += kLanes) hn::StoreU(hn::LoadU(d, from + i), d, to + i);
-    hn::StoreU(hn::LoadU(d, from + length - kLanes), d, to + length - kLanes);
+    const ptrdiff_t last = length - kLanes;
+    if (length > 4 * kLanes) {
+      for (ptrdiff_t i = 0; i < last; i += kLanes) hn::StoreU(hn::LoadU(d, from + i), d, to + i);
+      hn::StoreU(hn::LoadU(d, from + last), d, to + last);
+      return;
+    }
+    if (length > 2 * kLanes) {
+      hn::StoreU(hn::LoadU(d, from + kLanes), d, to + kLanes);
+      hn::StoreU(hn::LoadU(d, from + last - kLanes), d, to + last - kLanes);
+    }
+    hn::StoreU(hn::LoadU(d, from), d, to);
+    hn::StoreU(hn::LoadU(d, from + last), d, to + last);
     return;
   }
   const hn::CappedTag<uint8_t, 32> d32;
@@ -134,47 +144,58 @@ struct Progress {
 };
 
 #if ZORJ_SIMD
-// Unpacks packets while whole vectors can be read and written. A short packet is written as a whole vector, whatever it
-// is; what that destroys behind it was saved before, and is put back at the end.
+// Unpacks packets while kShort bytes can be read and written. A packet of up to so many is written as that many; what
+// that destroys behind it was saved before, and is put back at the end. Literals and replicates go apart, although they
+// do much the same: photographs and pages alternate between them, so a guess is right more often than a choice by
+// arithmetic is quick.
 HWY_INLINE Progress unpackVectors(const uint8_t* packets, ptrdiff_t length, uint8_t* row, ptrdiff_t rowLength,
                                   Progress progress) {
   const Bytes d;
-  constexpr ptrdiff_t kSaved = 256 + kLanes;
-  HWY_ALIGN uint8_t saved[kSaved];
-  ptrdiff_t savedFrom = progress.written - kSaved, dirtyEnd = 0;
+  constexpr ptrdiff_t kShort = std::max<ptrdiff_t>(kLanes, 32), kSaved = 512 + kShort;
+  uint8_t saved[kSaved];
   auto [at, written] = progress;
+  ptrdiff_t savedFrom = written - kSaved, dirtyEnd = written;
   const auto putBack = [&]() HWY_ATTR {
     if (dirtyEnd > written) {
       std::memcpy(row + written, saved + (written - savedFrom), static_cast<size_t>(dirtyEnd - written));
     }
   };
-  while (length - at > kLanes && rowLength - written >= kLanes) {
+  const auto save = [&]() HWY_ATTR {
+    if (written + kShort <= savedFrom + kSaved) return;
+    putBack();
+    savedFrom = written;
+    std::memcpy(saved, row + written, static_cast<size_t>(std::min(kSaved, rowLength - written)));
+  };
+  while (length - at > kShort && rowLength - written >= kShort) {
     const int header = packets[at];
-    const bool literal = header < kNoOperation;
-    const ptrdiff_t count = literal ? header + 1 : 257 - header;
     const uint8_t* const from = packets + at + 1;
-    if (count <= kLanes) {
-      if (written + kLanes > savedFrom + kSaved) {
-        putBack();
-        savedFrom = written;
-        std::memcpy(saved, row + written, static_cast<size_t>(std::min(kSaved, rowLength - written)));
-      }
-      const auto replicates = hn::Gt(hn::Set(d, static_cast<uint8_t>(header)), hn::Set(d, kNoOperation));
-      hn::StoreU(hn::IfThenElse(replicates, hn::Set(d, *from), hn::LoadU(d, from)), d, row + written);
-      dirtyEnd = written + kLanes;
-    } else {
-      if (header == kNoOperation || written + count > rowLength) break;
-      if (literal) {
-        if (at + 1 + count > length) break;
-        copyLiteral(row + written, from, count);
+    if (header < kNoOperation) {
+      const ptrdiff_t count = header + 1;
+      if (count <= kShort) {
+        save();
+        for (ptrdiff_t i = 0; i < kShort; i += kLanes) hn::StoreU(hn::LoadU(d, from + i), d, row + written + i);
+        dirtyEnd = written + kShort;
       } else {
-        const auto repeated = hn::Set(d, *from);
+        if (at + 1 + count > length || written + count > rowLength) break;
+        copyLiteral(row + written, from, count);
+      }
+      at += 1 + count;
+      written += count;
+    } else {
+      const ptrdiff_t count = 257 - header;
+      const auto repeated = hn::Set(d, *from);
+      if (count <= kShort) {
+        save();
+        for (ptrdiff_t i = 0; i < kShort; i += kLanes) hn::StoreU(repeated, d, row + written + i);
+        dirtyEnd = written + kShort;
+      } else {
+        if (header == kNoOperation || written + count > rowLength) break;
         for (ptrdiff_t i = 0; i < count - kLanes; i += kLanes) hn::StoreU(repeated, d, row + written + i);
         hn::StoreU(repeated, d, row + written + count - kLanes);
       }
+      at += 2;
+      written += count;
     }
-    at += 1 + (literal ? count : 1);
-    written += count;
   }
   putBack();
   return {at, written};

@@ -36,9 +36,9 @@ Bytes anyRow(Random& random, int64_t length, int64_t typical) {
 std::vector<Bytes> anyRows() {
   std::vector<Bytes> rows;
   Random random(3);
-  for (int i = 0; i < 400; ++i) {
+  for (int i = 0; i < 180; ++i) {
     const int64_t typical = std::array{1, 2, 5, 40, 70, 130}[static_cast<size_t>(i) % 6];
-    rows.push_back(anyRow(random, i < 200 ? i + 1 : random.between(1, 1500), typical));
+    rows.push_back(anyRow(random, i < 140 ? i + 1 : random.between(1, 1500), typical));
   }
   return rows;
 }
