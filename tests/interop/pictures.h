@@ -10,6 +10,7 @@
 
 namespace interop {
 
+using examples::DeepImage;
 using examples::Image;
 using zorj::test::Random;
 
