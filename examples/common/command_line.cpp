@@ -15,19 +15,24 @@ std::string exitCodeHelp(const std::string& fileKind) {
 }
 
 int runSubcommand(CLI::App& app, int argc, char** argv, const std::map<CLI::App*, std::function<int()>>& subcommands) {
-  const auto report = [&](const char* what) { std::fprintf(stderr, "%s: %s\n", app.get_name().c_str(), what); };
   try {
     app.require_subcommand(1);
     app.parse(argc, argv);
-    return subcommands.at(app.get_subcommands().front())();
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);
-    report(error.what());
+    std::fprintf(stderr, "%s: %s\n", app.get_name().c_str(), error.what());
     return kBadCommandLine;
+  }
+  return subcommands.at(app.get_subcommands().front())();
+}
+
+int runProgram(const char* name, int (*program)(int argc, char** argv), int argc, char** argv) {
+  try {
+    return program(argc, argv);
   } catch (const std::bad_alloc&) {
-    report("not enough memory");
+    std::fprintf(stderr, "%s: not enough memory\n", name);
   } catch (const std::exception& error) {
-    report(error.what());
+    std::fprintf(stderr, "%s: %s\n", name, error.what());
   }
   return kFailed;
 }

@@ -107,8 +107,8 @@ class LosslessScan {
         for (std::vector<int16_t>& row : rows.differences) {
           for (int32_t x = 0; x < rows.horizontal; ++x) {
             if (zoriDecodeHuffmanOne_JPEG_1u16s_C1(data_.bytes, data_.length, &data_.position,
-                                                   &row[static_cast<size_t>(mcu * rows.horizontal + x)], &data_.marker,
-                                                   tables_[i].dc, state) != StatusOk) {
+                                                   row.data() + mcu * rows.horizontal + x, &data_.marker, tables_[i].dc,
+                                                   state) != StatusOk) {
               return false;
             }
           }

@@ -151,9 +151,7 @@ void describeDecode(CLI::App& command, Paths& paths, jpeg::DecodeOptions& option
       ->check(CLI::Range(1, 1024));
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   CLI::App app("Encodes and decodes JPEG files.", "zorjpeg");
   app.footer(kExamples + examples::exitCodeHelp("JPEG"));
   Paths paths;
@@ -169,3 +167,7 @@ int main(int argc, char** argv) {
                                  {{encodeCommand, [&] { return encodeFile(paths, script, encodeOptions); }},
                                   {decodeCommand, [&] { return decodeFile(paths, decodeOptions); }}});
 }
+
+}  // namespace
+
+int main(int argc, char** argv) { return examples::runProgram("zorjpeg", &run, argc, argv); }
