@@ -9,8 +9,11 @@
 #include "zorj/jpeg_color.h"
 #include "zorj/jpeg_dct.h"
 #include "zorj/jpeg_huffman.h"
+#include "zorj/jpeg_lossless.h"
+#include "zorj/jpeg_progressive.h"
 #include "zorj/jpeg_sampling.h"
 #include "zorj/texture.h"
+#include "zorj/tiff.h"
 #include "zorj/types.h"
 
 #endif

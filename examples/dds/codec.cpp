@@ -6,6 +6,7 @@
 #include <string>
 
 #include "common/error.h"
+#include "common/image_file.h"
 
 namespace examples::dds {
 namespace {
@@ -19,8 +20,9 @@ void expectOk(StatusCode status) {
 uint8_t clampToByte(int32_t value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 Image toRgba(const Image& image) {
-  const bool grey = image.channels < 3, opacity = image.channels % 2 == 0;
+  const bool grey = image.channels < 3, opacity = image.hasOpacity;
   Image rgba(image.width, image.height, 4);
+  rgba.hasOpacity = true;
   const uint8_t* from = image.samples.data();
   for (size_t i = 0; i < rgba.samples.size(); i += 4, from += image.channels) {
     for (size_t c = 0; c < 3; ++c) rgba.samples[i + c] = from[grey ? 0 : c];
@@ -32,6 +34,7 @@ Image toRgba(const Image& image) {
 // Halves both sides: every pixel is the mean of 2 x 2; a last odd row or column is left out.
 Image halve(const Image& image) {
   Image half(std::max(1, image.width / 2), std::max(1, image.height / 2), 4);
+  half.hasOpacity = true;
   for (int32_t y = 0; y < half.height; ++y) {
     for (int32_t x = 0; x < half.width; ++x) {
       const int32_t right = std::min(2 * x + 1, image.width - 1), below = std::min(2 * y + 1, image.height - 1);
@@ -108,7 +111,7 @@ std::vector<uint8_t> encode(const Image& image, Format format, bool mipmaps) {
   texture.height = image.height;
   texture.levels = mipmaps ? fullChain(image.width, image.height) : 1;
   std::vector<uint8_t> file = makeHeaders(texture);
-  Image rgba = toRgba(image);
+  Image rgba = toRgba(image.channels == 4 && !image.hasOpacity ? cmykToRgb(image) : image);
   for (int32_t i = 0; i < texture.levels; ++i) {
     if (i > 0) rgba = halve(rgba);
     appendBlocks(rgba, format, texture.level(i).bytes, file);
@@ -128,6 +131,7 @@ Image decode(std::span<const uint8_t> file, int32_t level) {
                             : texture.format == Format::bc7  ? &zoriTextureDecodeBlockToRGBA_BC7_8u_C1C4R
                                                              : &zoriTextureDecodeBlockToRGBA_DXT5_8u_C1C4R;
   Image image(size.width, size.height, 4);
+  image.hasOpacity = true;
   expectOk(decodeBlocks(blocks.data(), image.samples.data(), image.step(), {size.width, size.height}));
   if (texture.format == Format::ycocgDxt5) fromYCoCg(image);
   if (texture.format == Format::dxt3) widenOpacity(image);

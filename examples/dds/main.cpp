@@ -1,9 +1,8 @@
 // zordds: encodes, decodes and describes DDS texture files.
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <map>
-#include <new>
 
+#include "common/command_line.h"
 #include "common/error.h"
 #include "common/files.h"
 #include "common/image_file.h"
@@ -14,8 +13,6 @@ namespace {
 using examples::Error;
 using examples::Image;
 namespace dds = examples::dds;
-
-enum ExitCode { kDone = 0, kFailed = 1, kBadCommandLine = 2 };
 
 constexpr const char* kFooter =
     "Examples:\n"
@@ -72,24 +69,23 @@ void describeFile(const Options& options) {
 }
 
 void describeEncode(CLI::App& command, Options& options) {
-  command.add_option("input", options.input, "PNG, PPM or PGM file")->required()->option_text(" ");
+  command.add_option("input", options.input, "PNG, PPM, PGM or PAM file")->required()->option_text(" ");
   command.add_option("output", options.output, "DDS file to write")->required()->option_text(" ");
-  static const std::map<std::string, dds::Format> formats = {{"dxt1", dds::Format::dxt1},
-                                                             {"dxt3", dds::Format::dxt3},
-                                                             {"dxt5", dds::Format::dxt5},
-                                                             {"ycocg-dxt5", dds::Format::ycocgDxt5}};
-  command
-      .add_option_function<std::string>(
-          "--format", [&options](const std::string& name) { options.format = formats.at(name); },
-          "dxt1 (if not given; opaque), dxt3, dxt5, or\nycocg-dxt5 (opaque; for decoders that know it)")
-      ->option_text("F")
-      ->check(CLI::IsMember(formats));
+  examples::addChoice<dds::Format>(
+      command, "--format", options.format,
+      {{"dxt1", dds::Format::dxt1},
+       {"dxt3", dds::Format::dxt3},
+       {"dxt5", dds::Format::dxt5},
+       {"ycocg-dxt5", dds::Format::ycocgDxt5}},
+      "dxt1 (if not given; opaque), dxt3, dxt5, or\nycocg-dxt5 (opaque; for decoders that know it)");
   command.add_flag("--mipmaps", options.mipmaps, "add the smaller levels, down to 1 x 1");
 }
 
 void describeDecode(CLI::App& command, Options& options) {
   command.add_option("input", options.input, "DDS file: DXT1, DXT3, DXT5 or BC7")->required()->option_text(" ");
-  command.add_option("output", options.output, "file to write: its name ends in .png, .ppm or .pgm")
+  command
+      .add_option("output", options.output,
+                  "file to write: its name ends in .png, .ppm or .pgm;\nopacity fits .png alone")
       ->required()
       ->option_text(" ");
   command.add_option("--level", options.level, "level of the mip chain; 0, the largest, if not given")
@@ -99,37 +95,25 @@ void describeDecode(CLI::App& command, Options& options) {
 
 int run(int argc, char** argv) {
   CLI::App app("Encodes, decodes and describes DDS texture files.", "zordds");
-  app.require_subcommand(1);
   app.footer(kFooter);
   Options options;
-  CLI::App* const encodeCommand = app.add_subcommand("encode", "Make a DDS file of a PNG, PPM or PGM file");
+  CLI::App* const encodeCommand = app.add_subcommand("encode", "Make a DDS file of a PNG, PPM, PGM or PAM file");
   CLI::App* const decodeCommand = app.add_subcommand("decode", "Make a PNG, PPM or PGM file of a DDS file");
   CLI::App* const infoCommand = app.add_subcommand("info", "Say what a DDS file holds");
   describeEncode(*encodeCommand, options);
   describeDecode(*decodeCommand, options);
   infoCommand->add_option("input", options.input, "DDS file")->required()->option_text(" ");
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);
-    std::fprintf(stderr, "zordds: %s\n", error.what());
-    return kBadCommandLine;
-  }
-  if (encodeCommand->parsed()) encodeFile(options);
-  if (decodeCommand->parsed()) decodeFile(options);
-  if (infoCommand->parsed()) describeFile(options);
-  return kDone;
+  const auto done = [&](void (*work)(const Options&)) {
+    return [work, &options] {
+      work(options);
+      return int{examples::kDone};
+    };
+  };
+  return examples::runSubcommand(
+      app, argc, argv,
+      {{encodeCommand, done(&encodeFile)}, {decodeCommand, done(&decodeFile)}, {infoCommand, done(&describeFile)}});
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  try {
-    return run(argc, argv);
-  } catch (const std::bad_alloc&) {
-    std::fprintf(stderr, "zordds: not enough memory\n");
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "zordds: %s\n", error.what());
-  }
-  return kFailed;
-}
+int main(int argc, char** argv) { return examples::runProgram("zordds", &run, argc, argv); }
