@@ -1,7 +1,5 @@
 #include "hdp/photo_core_kernels.h"
 
-#include <algorithm>
-
 #include "core/isa.h"
 #include "core/row_address.h"
 #include "core/unaligned.h"
@@ -18,8 +16,8 @@ namespace zorj::HWY_NAMESPACE {
 namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
-// The steps below work on arrays of the 16 samples of a block, or of vectors with a block in every lane. Everything
-// wraps modulo 2^32, which makes each of them reversible.
+// The steps below work on the 16 samples of a block, or on vectors with a block in every lane. Everything wraps modulo
+// 2^32, which makes each of them reversible.
 #if ZORJ_SIMD
 template <class V>
 HWY_INLINE V plus(V a, V b) {
@@ -66,8 +64,8 @@ struct Subtract;
 template <int to, int from, int factor = 1, int rounding = 0, int shift = 0>
 struct Add {
   using Inverse = Subtract<to, from, factor, rounding, shift>;
-  template <class V>
-  static HWY_INLINE void run(V* block) {
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
     block[to] = plus(block[to], scaled<factor, rounding, shift>(block[from]));
   }
 };
@@ -75,8 +73,8 @@ struct Add {
 template <int to, int from, int factor, int rounding, int shift>
 struct Subtract {
   using Inverse = Add<to, from, factor, rounding, shift>;
-  template <class V>
-  static HWY_INLINE void run(V* block) {
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
     block[to] = minus(block[to], scaled<factor, rounding, shift>(block[from]));
   }
 };
@@ -85,8 +83,8 @@ struct Subtract {
 template <int to>
 struct Negate {
   using Inverse = Negate;
-  template <class V>
-  static HWY_INLINE void run(V* block) {
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
     block[to] = minus(constant(0, block[to]), block[to]);
   }
 };
@@ -95,8 +93,8 @@ struct Negate {
 template <int to, int from>
 struct SubtractFromHalf {
   using Inverse = SubtractFromHalf;
-  template <class V>
-  static HWY_INLINE void run(V* block) {
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
     block[to] = minus(scaled<1, 1, 1>(block[from]), block[to]);
   }
 };
@@ -104,11 +102,11 @@ struct SubtractFromHalf {
 template <int w, int x, int y, int z, int rounding>
 struct Hadamard {
   using Inverse = Hadamard;
-  template <class V>
-  static HWY_INLINE void run(V* block) {
-    const V sum = plus(block[w], block[z]), difference = minus(block[x], block[y]);
-    const V half = scaled<1, rounding, 1>(minus(sum, difference));
-    const V oldZ = block[z];
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
+    const auto sum = plus(block[w], block[z]), difference = minus(block[x], block[y]);
+    const auto half = scaled<1, rounding, 1>(minus(sum, difference));
+    const auto oldZ = block[z];
     block[z] = minus(half, block[y]);
     block[y] = minus(half, oldZ);
     block[x] = plus(difference, block[y]);
@@ -119,8 +117,8 @@ struct Hadamard {
 // Steps one after the other.
 template <class First, class... Rest>
 struct Reversed {
-  template <class V>
-  static HWY_INLINE void run(V* block) {
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
     if constexpr (sizeof...(Rest) > 0) Reversed<Rest...>::run(block);
     First::Inverse::run(block);
   }
@@ -129,8 +127,8 @@ struct Reversed {
 template <class... Step>
 struct Reversible {
   using Inverse = Reversed<Step...>;
-  template <class V>
-  static HWY_INLINE void run(V* block) {
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
     (Step::run(block), ...);
   }
 };
@@ -145,10 +143,36 @@ using OddOddRotation = Reversible<Negate<l>, Negate<o>, Add<p, k>, Subtract<o, l
                                   Add<l, o, 1, 0, 1>, Add<k, l, 3, 4, 3>, Subtract<l, k, 3, 3, 2>, Add<k, l, 3, 3, 3>,
                                   Subtract<l, o, 1, 0, 1>, Add<k, p, 1, 0, 1>, Add<o, l>, Subtract<p, k>>;
 
+template <int row>
+struct Store;
+
+// A row of the blocks, from and to memory.
+template <int row>
+struct Load {
+  using Inverse = Store<row>;
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
+    block.load(row);
+  }
+};
+
+template <int row>
+struct Store {
+  using Inverse = Load<row>;
+  template <class Block>
+  static HWY_INLINE void run(Block& block) {
+    block.store(row);
+  }
+};
+
 enum Sample { a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p };
-using Forward =
-    Reversible<Hadamard<a, d, m, p, 0>, Hadamard<b, c, n, o, 0>, Hadamard<e, h, i, l, 0>, Hadamard<f, g, j, k, 0>,
-               Hadamard<a, b, e, f, 1>, OddRotation<c, d, g, h>, OddRotation<i, m, j, n>, OddOddRotation<k, l, o, p>>;
+
+// Rows are loaded late and stored early, in both directions, for there are hardly more registers than samples.
+struct Forward : Reversible<Load<0>, Load<3>, Hadamard<a, d, m, p, 0>, Hadamard<b, c, n, o, 0>,    //
+                            Load<1>, Load<2>, Hadamard<e, h, i, l, 0>, Hadamard<f, g, j, k, 0>,    //
+                            Hadamard<a, b, e, f, 1>, OddRotation<c, d, g, h>, Store<0>, Store<1>,  //
+                            OddRotation<i, m, j, n>, OddOddRotation<k, l, o, p>, Store<2>, Store<3>> {};
+struct Inverse : Forward::Inverse {};
 
 #if ZORJ_SIMD
 // Exchanges rows and columns of the 4 x 4 samples that vectors 0 to 3 have in each of their 16-byte blocks.
@@ -165,42 +189,54 @@ HWY_INLINE void transpose(D tag, V* rows) {
   rows[3] = hn::BitCast(tag, hn::InterleaveUpper(pairs, high01, high23));
 }
 
-// Transforms the blocks in four strips, each four rows high and as wide as a vector; which lane a block goes through
-// does not matter. Strips may be the same.
-template <class Steps, class D>
-HWY_INLINE void transformStrips(D tag, int32_t* const strips[4], int32_t step) {
-  hn::Vec<D> block[16];
-  const auto row = [&](int y, int strip) HWY_ATTR { return rowAt(strips[strip], step, y); };
-  for (int y = 0; y < 4; ++y) {
-    for (int strip = 0; strip < 4; ++strip) block[4 * y + strip] = hn::LoadU(tag, row(y, strip));
-    transpose(tag, block + 4 * y);
+// The blocks in four strips, each four rows high and as wide as a vector; which lane a block goes through does not
+// matter. Strips may be the same.
+template <class D>
+struct Blocks {
+  hn::Vec<D>& operator[](int sample) { return samples[sample]; }
+
+  // Written out, since loops would keep the vectors in memory.
+  HWY_INLINE void load(int row) {
+    auto* const columns = samples + 4 * row;
+    columns[0] = hn::LoadU(D(), rowAt(strips[0], step, row));
+    columns[1] = hn::LoadU(D(), rowAt(strips[1], step, row));
+    columns[2] = hn::LoadU(D(), rowAt(strips[2], step, row));
+    columns[3] = hn::LoadU(D(), rowAt(strips[3], step, row));
+    transpose(D(), columns);
   }
-  Steps::run(block);
-  for (int y = 0; y < 4; ++y) {
-    transpose(tag, block + 4 * y);
-    for (int strip = 0; strip < 4; ++strip) hn::StoreU(block[4 * y + strip], tag, row(y, strip));
+  HWY_INLINE void store(int row) {
+    auto* const columns = samples + 4 * row;
+    transpose(D(), columns);
+    hn::StoreU(columns[0], D(), rowAt(strips[0], step, row));
+    hn::StoreU(columns[1], D(), rowAt(strips[1], step, row));
+    hn::StoreU(columns[2], D(), rowAt(strips[2], step, row));
+    hn::StoreU(columns[3], D(), rowAt(strips[3], step, row));
   }
-}
+
+  int32_t* const* strips;
+  int32_t step;
+  hn::Vec<D> samples[16];
+};
 
 // The region's strips of `lanes` columns, four at a time, then what is left on the right in narrower ones.
 template <class Steps, size_t lanes>
 void transformRegion(int32_t* samples, int32_t step, int32_t width, int32_t height) {
-  const hn::CappedTag<int32_t, lanes> tag;
   constexpr auto kWidth = static_cast<int32_t>(lanes);
   const int32_t whole = width / kWidth * kWidth;
   int32_t* strips[4];
-  size_t count = 0;
+  int32_t waiting = 0;
   for (int32_t y = 0; y < height; y += 4) {
     for (int32_t x = 0; x < whole; x += kWidth) {
-      strips[count++] = rowAt(samples, step, y) + x;
-      if (count < 4) continue;
-      transformStrips<Steps>(tag, strips, step);
-      count = 0;
+      strips[waiting++] = rowAt(samples, step, y) + x;
+      const bool isLast = y + 4 == height && x + kWidth == whole;
+      if (waiting < 4 && !isLast) continue;
+      while (waiting < 4) strips[waiting++] = strips[0];
+      Blocks<hn::CappedTag<int32_t, lanes>> blocks;
+      blocks.strips = strips;
+      blocks.step = step;
+      Steps::run(blocks);
+      waiting = 0;
     }
-  }
-  if (count > 0) {
-    std::fill(strips + count, strips + 4, strips[0]);
-    transformStrips<Steps>(tag, strips, step);
   }
   if constexpr (lanes > 4) {
     if (whole < width) transformRegion<Steps, lanes / 2>(samples + whole, step, width - whole, height);
@@ -212,21 +248,34 @@ void transform(int32_t* samples, int32_t step, int32_t width, int32_t height) {
   transformRegion<Steps, HWY_LANES(int32_t)>(samples, step, width, height);
 }
 #else
+struct Block {
+  int32_t& operator[](int sample) { return samples[sample]; }
+  void load(int row) {
+    for (int x = 0; x < 4; ++x) samples[4 * row + x] = loadUnaligned(rowAt(first, step, row) + x);
+  }
+  void store(int row) {
+    for (int x = 0; x < 4; ++x) storeUnaligned(rowAt(first, step, row) + x, samples[4 * row + x]);
+  }
+
+  int32_t* first;
+  int32_t step;
+  int32_t samples[16];
+};
+
 template <class Steps>
 void transform(int32_t* samples, int32_t step, int32_t width, int32_t height) {
   for (int32_t y = 0; y < height; y += 4) {
     for (int32_t x = 0; x < width; x += 4) {
-      int32_t block[16];
-      const auto at = [&](int sample) { return rowAt(samples, step, y + sample / 4) + x + sample % 4; };
-      for (int sample = 0; sample < 16; ++sample) block[sample] = loadUnaligned(at(sample));
+      Block block;
+      block.first = rowAt(samples, step, y) + x;
+      block.step = step;
       Steps::run(block);
-      for (int sample = 0; sample < 16; ++sample) storeUnaligned(at(sample), block[sample]);
     }
   }
 }
 #endif
 
-constexpr PhotoCoreKernels kernels = {&transform<Forward>, &transform<Forward::Inverse>};
+constexpr PhotoCoreKernels kernels = {&transform<Forward>, &transform<Inverse>};
 
 }  // namespace
 }  // namespace zorj::HWY_NAMESPACE
