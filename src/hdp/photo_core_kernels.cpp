@@ -133,6 +133,13 @@ struct Reversible {
   }
 };
 
+// Two sequences of as many steps, in turns, where neither needs the other: the processor finds more to do at once.
+template <class First, class Second>
+struct Interleave;
+
+template <class... First, class... Second>
+struct Interleave<Reversible<First...>, Reversible<Second...>> : Reversible<Reversible<First, Second>...> {};
+
 // The rotations of T.832 for the coefficients that are odd in one direction, and in both.
 template <int c, int d, int g, int h>
 using OddRotation = Reversible<Subtract<d, g>, Add<c, h>, Add<g, d, 1, 1, 1>, SubtractFromHalf<h, c>,
@@ -168,10 +175,11 @@ struct Store {
 enum Sample { a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p };
 
 // Rows are loaded late and stored early, in both directions, for there are hardly more registers than samples.
-struct Forward : Reversible<Load<0>, Load<3>, Hadamard<a, d, m, p, 0>, Hadamard<b, c, n, o, 0>,    //
-                            Load<1>, Load<2>, Hadamard<e, h, i, l, 0>, Hadamard<f, g, j, k, 0>,    //
-                            Hadamard<a, b, e, f, 1>, OddRotation<c, d, g, h>, Store<0>, Store<1>,  //
-                            OddRotation<i, m, j, n>, OddOddRotation<k, l, o, p>, Store<2>, Store<3>> {};
+struct Forward : Reversible<Load<0>, Load<3>, Hadamard<a, d, m, p, 0>, Hadamard<b, c, n, o, 0>,  //
+                            Load<1>, Load<2>, Hadamard<e, h, i, l, 0>, Hadamard<f, g, j, k, 0>,  //
+                            Interleave<OddRotation<c, d, g, h>, OddRotation<i, m, j, n>>,        //
+                            Hadamard<a, b, e, f, 1>, Store<0>, Store<1>,                         //
+                            OddOddRotation<k, l, o, p>, Store<2>, Store<3>> {};
 struct Inverse : Forward::Inverse {};
 
 #if ZORJ_SIMD
