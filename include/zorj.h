@@ -11,6 +11,7 @@
 #include "zorj/jpeg_dct.h"
 #include "zorj/jpeg_huffman.h"
 #include "zorj/jpeg_lossless.h"
+#include "zorj/jpeg_progressive.h"
 #include "zorj/jpeg_sampling.h"
 #include "zorj/tiff.h"
 #include "zorj/types.h"

@@ -153,7 +153,7 @@ HWY_INLINE Progress unpackVectors(const uint8_t* packets, ptrdiff_t length, uint
   const Bytes d;
   constexpr ptrdiff_t kShort = std::max<ptrdiff_t>(kLanes, 32), kSaved = 512 + kShort;
   uint8_t saved[kSaved];
-  auto [at, written] = progress;
+  ptrdiff_t at = progress.at, written = progress.written;
   ptrdiff_t savedFrom = written - kSaved, dirtyEnd = written;
   const auto putBack = [&]() HWY_ATTR {
     if (dirtyEnd > written) {
