@@ -26,7 +26,6 @@ struct Description {
   uint32_t photometric = 0;
   uint32_t rowsPerStrip = 0;  // at most the height
   bool separatePlanes = false;
-  bool horizontalDifferences = false;
   std::vector<uint32_t> stripOffsets, stripByteCounts;
 };
 // Throws Error if the file is not TIFF, its directory is damaged, or it says what this codec has no notion of.

@@ -101,20 +101,15 @@ class StripReader {
     return count == row_.size();
   }
 
-  // The row's samples in the processor's byte order, without a predictor's differences.
+  // The row's samples in the processor's byte order.
   void toSamples() {
     if (description_.bitsPerSample == 8) {
       std::copy(row_.begin(), row_.end(), samples_.begin());
-    } else {
-      const size_t high = description_.littleEndian ? 1 : 0;
-      for (size_t i = 0; i < samples_.size(); ++i) {
-        samples_[i] = static_cast<uint16_t>(row_[2 * i + high] << 8 | row_[2 * i + 1 - high]);
-      }
+      return;
     }
-    if (!description_.horizontalDifferences) return;
-    const uint16_t largest = description_.bitsPerSample == 8 ? 0xFF : 0xFFFF;
-    for (size_t i = samplesPerPixel_; i < samples_.size(); ++i) {
-      samples_[i] = static_cast<uint16_t>((samples_[i] + samples_[i - samplesPerPixel_]) & largest);
+    const size_t high = description_.littleEndian ? 1 : 0;
+    for (size_t i = 0; i < samples_.size(); ++i) {
+      samples_[i] = static_cast<uint16_t>(row_[2 * i + high] << 8 | row_[2 * i + 1 - high]);
     }
   }
 

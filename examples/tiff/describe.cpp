@@ -98,8 +98,7 @@ Description describe(std::span<const uint8_t> tiff) {
   if (directory.value(kSampleFormat, 1) != 1) throw Error("only unsigned samples are supported");
   if (directory.value(kFillOrder, 1) != 1) throw Error("reversed bits are not supported");
   if (directory.value(kInkSet, 1) != 1) throw Error("other inks than CMYK are not supported");
-  const uint32_t predictor = directory.value(kPredictor, 1);
-  if (predictor > 2) throw Error("predictor " + std::to_string(predictor) + " is not supported");
+  if (directory.value(kPredictor, 1) != 1) throw Error("predictors are not supported");
 
   Description description;
   description.littleEndian = numbers.littleEndian();
@@ -110,7 +109,6 @@ Description describe(std::span<const uint8_t> tiff) {
   description.compression = directory.value(kCompression, 1);
   description.photometric = directory.required(kPhotometric);
   description.separatePlanes = directory.value(kPlanarConfiguration, 1) == 2;
-  description.horizontalDifferences = predictor == 2;
   description.stripOffsets = directory.values(kStripOffsets);
   description.stripByteCounts = directory.values(kStripByteCounts);
   const uint32_t rowsPerStrip = directory.value(kRowsPerStrip, description.height);

@@ -81,18 +81,16 @@ int describeFile(const Paths& paths) {
   withInput(paths, [&](const std::vector<uint8_t>& bytes) {
     const size_t images = tiff::countImages(bytes);
     const tiff::Description d = tiff::describe(bytes);
-    std::printf("%s: image 1 of %zu\n%u x %u pixels, %s, %u x %u bits%s\n%s, %s, %zu strips of %u rows\n",
+    std::printf("%s: image 1 of %zu\n%u x %u pixels, %s, %u x %u bits%s\n%s, %s, %zu %s of %u rows\n",
                 paths.input.c_str(), images, d.width, d.height, photometricName(d.photometric).c_str(),
                 d.samplesPerPixel, d.bitsPerSample, d.separatePlanes ? ", in planes" : "",
                 compressionName(d.compression).c_str(), d.littleEndian ? "little-endian" : "big-endian",
-                d.stripOffsets.size(), d.rowsPerStrip);
+                d.stripOffsets.size(), d.stripOffsets.size() == 1 ? "strip" : "strips", d.rowsPerStrip);
   });
   return examples::kDone;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   CLI::App app("Encodes and decodes TIFF files, uncompressed or with PackBits.", "zortiff");
   app.footer(kExamples + examples::exitCodeHelp("TIFF"));
   Paths paths;
@@ -119,3 +117,7 @@ int main(int argc, char** argv) {
                                   {decodeCommand, [&] { return decodeFile(paths); }},
                                   {infoCommand, [&] { return describeFile(paths); }}});
 }
+
+}  // namespace
+
+int main(int argc, char** argv) { return examples::runProgram("zortiff", &run, argc, argv); }
