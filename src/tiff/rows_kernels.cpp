@@ -158,15 +158,23 @@ struct Saved {
   }
 };
 
-// Unpacks packets of up to `longest` bytes while so many can be read and written. One of up to `shortest` bytes is
-// written as that many; what that destroys behind it was saved before, and is put back at the end. Literals and
-// replicates go apart, although they do much the same: photographs and pages alternate between them, so a guess is
-// right more often than a choice by arithmetic is quick.
+// Stores a packet of up to `shortest` bytes as that many, and one of up to `longest`, twice that, as what it is.
+template <ptrdiff_t shortest, ptrdiff_t longest, size_t lanes, class StoreVector>
+HWY_INLINE void storePacket(ptrdiff_t count, const StoreVector& storeVector) {
+  constexpr auto kStep = static_cast<ptrdiff_t>(lanes);
+  for (ptrdiff_t i = 0; i < shortest; i += kStep) storeVector(i);
+  if (count <= shortest) return;
+  for (ptrdiff_t i = count - (longest - shortest); i < count; i += kStep) storeVector(i);
+}
+
+// Unpacks packets of up to `longest` bytes while so many can be read and written. What the short ones destroy behind
+// them was saved before, and is put back at the end. Literals and replicates go apart, although they do much the same:
+// photographs and pages alternate between them, so a guess is right more often than a choice by arithmetic is quick.
 template <ptrdiff_t shortest, ptrdiff_t longest>
 HWY_INLINE Progress unpackVectors(const uint8_t* packets, ptrdiff_t length, uint8_t* row, ptrdiff_t rowLength,
                                   Progress progress) {
   const hn::CappedTag<uint8_t, shortest> d;
-  constexpr auto kStep = static_cast<ptrdiff_t>(hn::MaxLanes(d));
+  constexpr size_t kStep = hn::MaxLanes(d);
   Saved saved;
   ptrdiff_t at = progress.at, written = progress.written;
   ptrdiff_t savedFrom = written - Saved::kSize, dirtyEnd = written;
@@ -174,8 +182,6 @@ HWY_INLINE Progress unpackVectors(const uint8_t* packets, ptrdiff_t length, uint
     const int header = packets[at];
     const bool literal = header < kNoOperation;
     const ptrdiff_t count = literal ? header + 1 : 257 - header;
-    const uint8_t* const from = packets + at + 1;
-    uint8_t* const to = row + written;
     if (count > longest) break;
     if (count <= shortest) {
       if (written + shortest > savedFrom + Saved::kSize) {
@@ -185,20 +191,15 @@ HWY_INLINE Progress unpackVectors(const uint8_t* packets, ptrdiff_t length, uint
       }
       dirtyEnd = written + shortest;
     }
+    const uint8_t* const from = packets + at + 1;
+    uint8_t* const to = row + written;
     if (literal) {
-      for (ptrdiff_t i = 0; i < shortest; i += kStep) hn::StoreU(hn::LoadU(d, from + i), d, to + i);
-      if (count > shortest) {
-        for (ptrdiff_t i = count - longest + shortest; i < count; i += kStep) {
-          hn::StoreU(hn::LoadU(d, from + i), d, to + i);
-        }
-      }
+      storePacket<shortest, longest, kStep>(
+          count, [=](ptrdiff_t i) HWY_ATTR { hn::StoreU(hn::LoadU(d, from + i), d, to + i); });
       at += 1 + count;
     } else {
       const auto repeated = hn::Set(d, *from);
-      for (ptrdiff_t i = 0; i < shortest; i += kStep) hn::StoreU(repeated, d, to + i);
-      if (count > shortest) {
-        for (ptrdiff_t i = count - longest + shortest; i < count; i += kStep) hn::StoreU(repeated, d, to + i);
-      }
+      storePacket<shortest, longest, kStep>(count, [=](ptrdiff_t i) HWY_ATTR { hn::StoreU(repeated, d, to + i); });
       at += 2;
     }
     written += count;
