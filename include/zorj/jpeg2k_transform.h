@@ -24,6 +24,14 @@
 extern "C" {
 #endif
 
+/** The place of a tile on the canvas of its component, in samples. */
+typedef struct TileRect {
+  int32_t x;      /**< Column of the first sample; only whether it is even or odd matters. */
+  int32_t y;      /**< Row of the first sample; only whether it is even or odd matters. */
+  int32_t width;  /**< Samples in a row. */
+  int32_t height; /**< Rows. */
+} TileRect;
+
 /**
  * @name Component transforms
  * Between R, G, B and a luminance with two colour differences (T.800 Annex G): the reversible transform (RCT) gives Y,
@@ -252,6 +260,75 @@ ZORJ_API StatusCode ZORJ_CALL zoriICTInv_JPEG2K_32f_P3C3R(const float* const pSr
 ZORJ_API StatusCode ZORJ_CALL zoriICTInv_JPEG2K_32f_P3IR(float* const pSrcDst[3], int32_t srcDstStep, RoiSize roiSize);
 
 /** @} */
+
+/* B53 BEGIN */
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwdRow_B53_JPEG2K_16s_C1R(const int16_t* pSrc, int32_t srcStep, int16_t* pLow,
+                                                              int32_t lowStep, int16_t* pHigh, int32_t highStep,
+                                                              RoiSize bandRoiSize, int32_t phase);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwdRow_B53_JPEG2K_32s_C1R(const int32_t* pSrc, int32_t srcStep, int32_t* pLow,
+                                                              int32_t lowStep, int32_t* pHigh, int32_t highStep,
+                                                              RoiSize bandRoiSize, int32_t phase);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInvRow_B53_JPEG2K_16s_C1R(const int16_t* pLow, int32_t lowStep,
+                                                              const int16_t* pHigh, int32_t highStep,
+                                                              RoiSize bandRoiSize, int16_t* pDst, int32_t dstStep,
+                                                              int32_t phase);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInvRow_B53_JPEG2K_32s_C1R(const int32_t* pLow, int32_t lowStep,
+                                                              const int32_t* pHigh, int32_t highStep,
+                                                              RoiSize bandRoiSize, int32_t* pDst, int32_t dstStep,
+                                                              int32_t phase);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwdCol_B53_JPEG2K_16s_C1R(const int16_t* pSrc, int32_t srcStep, int16_t* pLow,
+                                                              int32_t lowStep, int16_t* pHigh, int32_t highStep,
+                                                              RoiSize bandRoiSize, int32_t phase);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwdCol_B53_JPEG2K_32s_C1R(const int32_t* pSrc, int32_t srcStep, int32_t* pLow,
+                                                              int32_t lowStep, int32_t* pHigh, int32_t highStep,
+                                                              RoiSize bandRoiSize, int32_t phase);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInvCol_B53_JPEG2K_16s_C1R(const int16_t* pLow, int32_t lowStep,
+                                                              const int16_t* pHigh, int32_t highStep,
+                                                              RoiSize bandRoiSize, int16_t* pDst, int32_t dstStep,
+                                                              int32_t phase);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInvCol_B53_JPEG2K_32s_C1R(const int32_t* pLow, int32_t lowStep,
+                                                              const int32_t* pHigh, int32_t highStep,
+                                                              RoiSize bandRoiSize, int32_t* pDst, int32_t dstStep,
+                                                              int32_t phase);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwdColLift_B53_JPEG2K_16s_C1(const int16_t* pSrcEven, const int16_t* pSrcOdd,
+                                                                 const int16_t* pSrcNextEven, int16_t* pDstLow,
+                                                                 const int16_t* pPreviousHigh, int16_t* pDstHigh,
+                                                                 int32_t width);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwdColLift_B53_JPEG2K_32s_C1(const int32_t* pSrcEven, const int32_t* pSrcOdd,
+                                                                 const int32_t* pSrcNextEven, int32_t* pDstLow,
+                                                                 const int32_t* pPreviousHigh, int32_t* pDstHigh,
+                                                                 int32_t width);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInvColLift_B53_JPEG2K_16s_C1(const int16_t* pLow, const int16_t* pPreviousHigh,
+                                                                 const int16_t* pHigh, const int16_t* pPreviousEven,
+                                                                 int16_t* pDstOdd, int16_t* pDstEven, int32_t width);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInvColLift_B53_JPEG2K_32s_C1(const int32_t* pLow, const int32_t* pPreviousHigh,
+                                                                 const int32_t* pHigh, const int32_t* pPreviousEven,
+                                                                 int32_t* pDstOdd, int32_t* pDstEven, int32_t width);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwd_B53_JPEG2K_16s_C1IR(int16_t* pSrcDst, int32_t srcDstStep, const TileRect* pTile,
+                                                            void* pBuffer);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwd_B53_JPEG2K_32s_C1IR(int32_t* pSrcDst, int32_t srcDstStep, const TileRect* pTile,
+                                                            void* pBuffer);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInv_B53_JPEG2K_16s_C1IR(int16_t* pSrcDst, int32_t srcDstStep, const TileRect* pTile,
+                                                            void* pBuffer);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInv_B53_JPEG2K_32s_C1IR(int32_t* pSrcDst, int32_t srcDstStep, const TileRect* pTile,
+                                                            void* pBuffer);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwd_B53_JPEG2K_16s_C1R(const int16_t* pSrc, int32_t srcStep, const TileRect* pTile,
+                                                           int16_t* const pDst[4], const int32_t dstSteps[4],
+                                                           void* pBuffer);
+ZORJ_API StatusCode ZORJ_CALL zoriWTFwd_B53_JPEG2K_32s_C1R(const int32_t* pSrc, int32_t srcStep, const TileRect* pTile,
+                                                           int32_t* const pDst[4], const int32_t dstSteps[4],
+                                                           void* pBuffer);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInv_B53_JPEG2K_16s_C1R(const int16_t* const pSrc[4], const int32_t srcSteps[4],
+                                                           int16_t* pDst, int32_t dstStep, const TileRect* pTile,
+                                                           void* pBuffer);
+ZORJ_API StatusCode ZORJ_CALL zoriWTInv_B53_JPEG2K_32s_C1R(const int32_t* const pSrc[4], const int32_t srcSteps[4],
+                                                           int32_t* pDst, int32_t dstStep, const TileRect* pTile,
+                                                           void* pBuffer);
+ZORJ_API StatusCode ZORJ_CALL zoriWTGetBufSize_B53_JPEG2K_16s_C1IR(const TileRect* pTile, int32_t* pSize);
+ZORJ_API StatusCode ZORJ_CALL zoriWTGetBufSize_B53_JPEG2K_32s_C1IR(const TileRect* pTile, int32_t* pSize);
+ZORJ_API StatusCode ZORJ_CALL zoriWTGetBufSize_B53_JPEG2K_16s_C1R(const TileRect* pTile, int32_t* pSize);
+ZORJ_API StatusCode ZORJ_CALL zoriWTGetBufSize_B53_JPEG2K_32s_C1R(const TileRect* pTile, int32_t* pSize);
+/* B53 END */
 
 #ifdef __cplusplus
 }

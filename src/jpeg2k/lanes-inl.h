@@ -1,0 +1,175 @@
+// Arithmetic that reads the same for one sample and for a vector of them: a kernel is one function of a tag, which a
+// loop calls with the tag of a vector and then, for what is left of the row, with that of a single sample. Included
+// once per target, after core/simd-inl.h.
+
+HWY_BEFORE_NAMESPACE();
+namespace zorj::HWY_NAMESPACE {
+namespace {
+namespace hn = hwy::HWY_NAMESPACE;
+
+// The tag of a single sample that is S in the arithmetic.
+template <class S>
+struct Single {};
+
+// ---- Single samples
+
+inline int16_t saturate(int32_t x) { return static_cast<int16_t>(x < -32768 ? -32768 : x > 32767 ? 32767 : x); }
+
+template <class S, class T>
+S load(Single<S>, const T* from) {
+  return static_cast<S>(loadUnaligned(from));
+}
+// Samples of fewer bits than the arithmetic are saturated.
+template <class S, class T>
+void store(Single<S>, S x, T* to) {
+  if constexpr (sizeof(T) < sizeof(S)) {
+    storeUnaligned(to, saturate(x));
+  } else {
+    storeUnaligned(to, x);
+  }
+}
+template <class S>
+S constant(Single<S>, S x) {
+  return x;
+}
+inline float add(float a, float b) { return a + b; }
+inline float subtract(float a, float b) { return a - b; }
+inline float multiply(float a, float b) { return a * b; }
+inline int32_t add(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+inline int32_t subtract(int32_t a, int32_t b) {
+  return static_cast<int32_t>(static_cast<uint32_t>(a) - static_cast<uint32_t>(b));
+}
+inline int16_t add(int16_t a, int16_t b) { return static_cast<int16_t>(a + b); }
+inline int16_t subtract(int16_t a, int16_t b) { return static_cast<int16_t>(a - b); }
+template <int bits, class S>
+S shiftRight(Single<S>, S x) {
+  return static_cast<S>(x >> bits);
+}
+
+// ---- Vectors
+
+#if ZORJ_SIMD
+template <class D, class T>
+HWY_INLINE hn::Vec<D> load(D d, const T* from) {
+  if constexpr (sizeof(T) < sizeof(hn::TFromD<D>)) {
+    return hn::PromoteTo(d, hn::LoadU(hn::Rebind<T, D>(), from));
+  } else {
+    return hn::LoadU(d, from);
+  }
+}
+template <class D, class T>
+HWY_INLINE void store(D d, hn::Vec<D> x, T* to) {
+  if constexpr (sizeof(T) < sizeof(hn::TFromD<D>)) {
+    const hn::Rebind<T, D> narrow;
+    hn::StoreU(hn::DemoteTo(narrow, x), narrow, to);
+  } else {
+    hn::StoreU(x, d, to);
+  }
+}
+template <class D>
+HWY_INLINE hn::Vec<D> constant(D d, hn::TFromD<D> x) {
+  return hn::Set(d, x);
+}
+template <class V>
+HWY_INLINE V add(V a, V b) {
+  return hn::Add(a, b);
+}
+template <class V>
+HWY_INLINE V subtract(V a, V b) {
+  return hn::Sub(a, b);
+}
+template <class V>
+HWY_INLINE V multiply(V a, V b) {
+  return hn::Mul(a, b);
+}
+template <int bits, class D>
+HWY_INLINE hn::Vec<D> shiftRight(D, hn::Vec<D> x) {
+  return hn::ShiftRight<bits>(x);
+}
+#endif
+
+// ---- Loops
+
+// Calls kernel(tag, i) so that all of 0 to count - 1 are done, each once.
+template <class S, class Kernel>
+HWY_INLINE void forEachLane(size_t count, const Kernel& kernel) {
+  size_t i = 0;
+#if ZORJ_SIMD
+  const hn::ScalableTag<S> d;
+  for (; i + hn::Lanes(d) <= count; i += hn::Lanes(d)) kernel(d, i);
+  // What is left takes half a vector, or two of 16 bytes.
+  if constexpr (HWY_MAX_BYTES > 16) {
+    const hn::CappedTag<S, 16 / sizeof(S)> d16;
+    for (; i + 16 / sizeof(S) <= count; i += 16 / sizeof(S)) kernel(d16, i);
+  }
+#endif
+  for (; i < count; ++i) kernel(Single<S>(), i);
+}
+
+// The same, with up to a vector of further lanes.
+template <class S, class Kernel>
+HWY_INLINE void forEachVector(size_t count, const Kernel& kernel) {
+#if ZORJ_SIMD
+  const hn::ScalableTag<S> d;
+  for (size_t i = 0; i < count; i += hn::Lanes(d)) kernel(d, i);
+#else
+  for (size_t i = 0; i < count; ++i) kernel(Single<S>(), i);
+#endif
+}
+
+// The same, each at least once; for kernels whose sources stay as they are.
+template <class S, class Kernel>
+HWY_INLINE void forEachOverlapping(size_t count, const Kernel& kernel) {
+#if ZORJ_SIMD
+  const hn::ScalableTag<S> d;
+  const size_t lanes = hn::Lanes(d);
+  if (count >= lanes) {
+    for (size_t i = 0; i < count; i += lanes) kernel(d, i + lanes <= count ? i : count - lanes);
+    return;
+  }
+#endif
+  forEachLane<S>(count, kernel);
+}
+
+// ---- Pairs of samples that lie in turns
+
+template <class S, class T>
+void loadPairs(Single<S> d, const T* from, S& even, S& odd) {
+  even = load(d, from);
+  odd = load(d, from + 1);
+}
+template <class S, class T>
+void storePairs(Single<S> d, S even, S odd, T* to) {
+  store(d, even, to);
+  store(d, odd, to + 1);
+}
+#if ZORJ_SIMD
+template <class D, class V, class T>
+HWY_INLINE void loadPairs(D d, const T* from, V& even, V& odd) {
+  if constexpr (sizeof(T) < sizeof(hn::TFromD<D>)) {
+    const auto pairs = hn::BitCast(d, hn::LoadU(hn::Repartition<T, D>(), from));
+    even = hn::ShiftRight<16>(hn::ShiftLeft<16>(pairs));
+    odd = hn::ShiftRight<16>(pairs);
+  } else {
+    hn::LoadInterleaved2(d, from, even, odd);
+  }
+}
+template <class D, class V, class T>
+HWY_INLINE void storePairs(D d, V even, V odd, T* to) {
+  if constexpr (sizeof(T) < sizeof(hn::TFromD<D>)) {
+    const hn::Repartition<T, D> narrow;
+    const auto low = hn::Set(d, -32768), high = hn::Set(d, 32767);
+    const auto evens = hn::And(hn::Min(hn::Max(even, low), high), hn::Set(d, 0xFFFF));
+    const auto odds = hn::ShiftLeft<16>(hn::Min(hn::Max(odd, low), high));
+    hn::StoreU(hn::BitCast(narrow, hn::Or(evens, odds)), narrow, to);
+  } else {
+    hn::StoreInterleaved2(even, odd, d, to);
+  }
+}
+#endif
+
+}  // namespace
+}  // namespace zorj::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
