@@ -91,10 +91,35 @@ void compareComponents(const std::string& where, RoiSize size) {
   compareInverse("ICT inverse 32f to pixels, " + where, size, &zoriICTInv_JPEG2K_32f_P3C3R);
 }
 
+// ---- Wavelets: memcpy copies the tile, that is a level's reads and writes of every sample once.
+
+template <class T>
+using TileFunction = StatusCode(ZORJ_CALL*)(T*, int32_t, const TileRect*, void*);
+
+template <class T>
+void compareTile(const std::string& row, int32_t side, TileFunction<T> level) {
+  const auto samples = std::make_shared<Samples<T>>(static_cast<size_t>(side) * static_cast<size_t>(side));
+  const auto buffer = std::make_shared<std::vector<T>>(static_cast<size_t>(side) + 8);
+  const TileRect tile = {0, 0, side, side};
+  const auto run = [=] { level(samples->data(), side * static_cast<int32_t>(sizeof(T)), &tile, buffer->data()); };
+  compare(row + ", tile of " + std::to_string(side), static_cast<double>(samples->size()), "pixels",
+          againstCopy(run, [=] { samples->copy(); }));
+}
+
+void compareTiles() {
+  for (const int32_t side : {64, 512, 1024, 2048, 4096}) {
+    compareTile("5/3 forward 16s", side, &zoriWTFwd_B53_JPEG2K_16s_C1IR);
+    compareTile("5/3 inverse 16s", side, &zoriWTInv_B53_JPEG2K_16s_C1IR);
+    compareTile("5/3 forward 32s", side, &zoriWTFwd_B53_JPEG2K_32s_C1IR);
+    compareTile("5/3 inverse 32s", side, &zoriWTInv_B53_JPEG2K_32s_C1IR);
+  }
+}
+
 }  // namespace
 
 void registerComparisons() {
   zorSetNumThreads(1);
+  compareTiles();
   compareComponents("L2", {160, 120});
   compareComponents("DRAM", {4096, 2048});
 }
