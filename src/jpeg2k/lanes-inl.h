@@ -90,6 +90,58 @@ HWY_INLINE hn::Vec<D> shiftRight(D, hn::Vec<D> x) {
 }
 #endif
 
+// ---- Neighbours in a row that is gone through by blocks a, b: the lanes of a one place on, and those of b one back
+
+template <class S>
+S laneAfter(Single<S>, S, S b) {
+  return b;
+}
+template <class S>
+S laneBefore(Single<S>, S a, S) {
+  return a;
+}
+#if ZORJ_SIMD
+// The 16 bytes on either side of the border, with what lies between them in the vector.
+template <class D, class V>
+HWY_INLINE V partsAfter(D d, V a, V b) {
+#if HWY_TARGET == HWY_AVX3
+  return hn::BitCast(d, hn::Vec<hn::Repartition<uint64_t, D>>{
+                            _mm512_alignr_epi64(hn::BitCast(hn::Repartition<uint64_t, D>(), b).raw,
+                                                hn::BitCast(hn::Repartition<uint64_t, D>(), a).raw, 2)});
+#elif HWY_TARGET == HWY_AVX2
+  return hn::ConcatLowerUpper(d, b, a);
+#else
+  (void)d, (void)a;
+  return b;
+#endif
+}
+template <class D, class V>
+HWY_INLINE V partsBefore(D d, V a, V b) {
+#if HWY_TARGET == HWY_AVX3
+  return hn::BitCast(d, hn::Vec<hn::Repartition<uint64_t, D>>{
+                            _mm512_alignr_epi64(hn::BitCast(hn::Repartition<uint64_t, D>(), b).raw,
+                                                hn::BitCast(hn::Repartition<uint64_t, D>(), a).raw, 6)});
+#elif HWY_TARGET == HWY_AVX2
+  return hn::ConcatLowerUpper(d, b, a);
+#else
+  (void)d, (void)b;
+  return a;
+#endif
+}
+template <class D, class V>
+HWY_INLINE V laneAfter(D d, V a, V b) {
+  return hn::CombineShiftRightBytes<sizeof(hn::TFromD<D>)>(d, partsAfter(d, a, b), a);
+}
+template <class D, class V>
+HWY_INLINE V laneBefore(D d, V a, V b) {
+  return hn::CombineShiftRightBytes<16 - sizeof(hn::TFromD<D>)>(d, b, partsBefore(d, a, b));
+}
+#endif
+
+// The type of a block.
+template <class D, class S>
+using Block = decltype(constant(D(), S{}));
+
 // ---- Loops
 
 // Calls kernel(tag, i) so that all of 0 to count - 1 are done, each once.

@@ -1,7 +1,8 @@
 // The rows and tiles of a wavelet transform, for any wavelet W. Included after jpeg2k/lanes-inl.h, once per target.
 //
 // W has: Sample and Working, the types of samples outside and of those in the arithmetic; kReach, how many pairs around
-// a block it needs; analyse and synthesise, its lifting steps on a window of pairs; forwardColumns and inverseColumns.
+// a pair it needs; Analysis and Synthesis, its lifting steps along a row, with results kLag blocks late; forwardColumns
+// and inverseColumns.
 
 HWY_BEFORE_NAMESPACE();
 namespace zorj::HWY_NAMESPACE {
@@ -35,123 +36,122 @@ struct InverseColumns {
 
 // ---- Rows
 
-// A block of a line with what surrounds it, split into even and odd positions. All of it that is computed on but never
-// stored is zero or comes from samples.
+// A stretch of a line with what surrounds it. The filters run along it by blocks, a vector of pairs each, and give
+// the results of a block W::kLag blocks later. All that is computed on but never stored is zero or comes from samples.
 template <class W>
 class Window {
  public:
   using Sample = typename W::Sample;
   using Working = typename W::Working;
 
-  // Transforms a line whose positions `first` to `last` can be read at x, into low samples 0 to lows - 1 and high
-  // samples firstHigh to endHigh - 1.
+  // Transforms a line whose positions `first` to `last` can be read at x.
   void forward(const Sample* x, ptrdiff_t first, ptrdiff_t last, Line line, Sample* low, Sample* high) {
-    const ptrdiff_t end = std::max(line.lows(), line.endHigh());
-    for (ptrdiff_t from = line.firstHigh(); from < end; from += kPairs) {
-      const ptrdiff_t to = std::min(from + kPairs, end);
-      split(x, first, last, from - W::kReach, to + W::kReach);
-      W::analyse(even(), odd(), size_);
-      take(even(), std::max<ptrdiff_t>(from, 0), std::min(to, line.lows()), low);
-      take(odd(), from, std::min(to, line.endHigh()), high);
+    for (ptrdiff_t from = 0; from < line.lows(); from += kPairs) {
+      const ptrdiff_t to = std::min(from + kPairs, line.lows()), begin = from - kBefore, end = to + W::kReach;
+      copyInside(x, 2 * begin, 2 * end, first, last + 1, samples_ + 2 * (kFront - kBefore),
+                 [=](ptrdiff_t c) { return x + reflect(c, first, last); });
+      run<typename W::template Analysis<Tag>>(
+          line, from, to,
+          [this](Tag d, ptrdiff_t k, auto& even, auto& odd)
+              HWY_ATTR { loadPairs(d, samples_ + 2 * (kFront + k), even, odd); },
+          [=](Tag d, ptrdiff_t k, auto s, auto h) HWY_ATTR {
+            store(d, s, low + k);
+            store(d, h, high + k);
+          },
+          [=](ptrdiff_t k, const Sample* pairs, size_t lows, size_t highs) {
+            for (size_t i = 0; i < lows; ++i) storeUnaligned(low + k + i, pairs[2 * i]);
+            for (size_t i = 0; i < highs; ++i) storeUnaligned(high + k + i, pairs[2 * i + 1]);
+          },
+          high - 1);
     }
   }
 
   // The inverse, from subbands that can be read at positions `first` to `last`.
   void inverse(const Sample* low, const Sample* high, ptrdiff_t first, ptrdiff_t last, Line line, Sample* x) {
-    const ptrdiff_t end = std::max(line.lows(), line.endHigh());
-    for (ptrdiff_t from = line.firstHigh(); from < end; from += kPairs) {
-      const ptrdiff_t to = std::min(from + kPairs, end);
-      gather(low, high, first, last, from - W::kReach, to + W::kReach);
-      W::synthesise(even(), odd(), size_);
-      join(x, line.first(), line.last(), from, to);
+    const auto at = [=](ptrdiff_t c) {
+      c = reflect(c, first, last);
+      return (c & 1) == 0 ? low + (c >> 1) : high + (c >> 1);
+    };
+    for (ptrdiff_t from = 0; from < line.lows(); from += kPairs) {
+      const ptrdiff_t to = std::min(from + kPairs, line.lows()), begin = from - kBefore, end = to + W::kReach;
+      copyInside(low, begin, end, (first + 1) >> 1, (last >> 1) + 1, samples_ + kFront - kBefore,
+                 [=](ptrdiff_t k) { return at(2 * k); });
+      copyInside(high, begin, end, first >> 1, ((last - 1) >> 1) + 1, samples_ + kLength + kFront - kBefore,
+                 [=](ptrdiff_t k) { return at(2 * k + 1); });
+      run<typename W::template Synthesis<Tag>>(
+          line, from, to,
+          [this](Tag d, ptrdiff_t k, auto& s, auto& h) HWY_ATTR {
+            s = load(d, samples_ + kFront + k);
+            h = load(d, samples_ + kLength + kFront + k);
+          },
+          [=](Tag d, ptrdiff_t k, auto even, auto odd) HWY_ATTR { storePairs(d, even, odd, x + 2 * k); },
+          [=](ptrdiff_t k, const Sample* pairs, size_t lows, size_t highs) {
+            std::memcpy(static_cast<void*>(x + 2 * k), pairs, (lows + highs) * sizeof(Sample));
+          },
+          x - 1);
     }
   }
 
  private:
+#if ZORJ_SIMD
+  using Tag = hn::ScalableTag<Working>;
+  static constexpr ptrdiff_t kLanes = HWY_LANES(Working);
+#else
+  using Tag = Single<Working>;
+  static constexpr ptrdiff_t kLanes = 1;
+#endif
   static constexpr ptrdiff_t kPairs = 512;
-  static constexpr ptrdiff_t kFront = 16, kBehind = 64;
+  // Pairs that the first results depend on, also where there is an odd position before the first even one.
+  static constexpr ptrdiff_t kBefore = W::kReach + 1;
+  static constexpr ptrdiff_t kLead = (kBefore + kLanes - 1) / kLanes * kLanes, kLag = W::kLag * kLanes;
+  static constexpr ptrdiff_t kFront = kLead, kLength = kFront + kPairs + kLag + kLanes;
 
-  Working* even() { return even_ + kFront; }
-  Working* odd() { return odd_ + kFront; }
-  // Starts a window of pairs begin to end - 1.
-  void open(ptrdiff_t begin, ptrdiff_t end) {
-    begin_ = begin;
-    size_ = static_cast<size_t>(end - begin);
-    const auto clear = [this](auto d, size_t i) HWY_ATTR {
-      store(d, constant(d, Working{0}), even() + size_ + i);
-      store(d, constant(d, Working{0}), odd() + size_ + i);
-    };
-    forEachVector<Working>(1, clear);
-  }
-  static Single<Working> one() { return {}; }
-
-  void split(const Sample* x, ptrdiff_t first, ptrdiff_t last, ptrdiff_t begin, ptrdiff_t end) {
-    open(begin, end);
-    const ptrdiff_t inside = std::max(begin, (first + 1) >> 1), outside = std::min(end, (last + 1) >> 1);
-    const auto reflected = [&](ptrdiff_t k) {
-      even()[k - begin] = load(one(), x + reflect(2 * k, first, last));
-      odd()[k - begin] = load(one(), x + reflect(2 * k + 1, first, last));
-    };
-    for (ptrdiff_t k = begin; k < std::min(inside, end); ++k) reflected(k);
-    for (ptrdiff_t k = std::max(begin, outside); k < end; ++k) reflected(k);
-    if (inside >= outside) return;
-    forEachOverlapping<Working>(static_cast<size_t>(outside - inside), [&, this](auto d, size_t i) HWY_ATTR {
-      auto evens = constant(d, Working{0}), odds = evens;
-      loadPairs(d, x + 2 * (inside + static_cast<ptrdiff_t>(i)), evens, odds);
-      store(d, evens, even() + (inside - begin) + i);
-      store(d, odds, odd() + (inside - begin) + i);
-    });
+  // to[k - begin] = from[k] as far as `inside` <= k < `outside`, elsewhere *at(k).
+  template <class At>
+  static void copyInside(const Sample* from, ptrdiff_t begin, ptrdiff_t end, ptrdiff_t inside, ptrdiff_t outside,
+                         Sample* to, const At& at) {
+    inside = std::clamp(inside, begin, end);
+    outside = std::clamp(outside, inside, end);
+    for (ptrdiff_t k = begin; k < inside; ++k) to[k - begin] = loadUnaligned(at(k));
+    std::memcpy(to + (inside - begin), static_cast<const void*>(from + inside),
+                static_cast<size_t>(outside - inside) * sizeof(Sample));
+    for (ptrdiff_t k = outside; k < end; ++k) to[k - begin] = loadUnaligned(at(k));
   }
 
-  void gather(const Sample* low, const Sample* high, ptrdiff_t first, ptrdiff_t last, ptrdiff_t begin, ptrdiff_t end) {
-    open(begin, end);
-    const auto at = [&](ptrdiff_t c) {
-      c = reflect(c, first, last);
-      return load(one(), (c & 1) == 0 ? low + (c >> 1) : high + (c >> 1));
-    };
-    // Subband samples `inside` to `outside` - 1 can be read in place, the others are at reflected positions.
-    const auto gatherBand = [&](const Sample* band, int odds, Working* to) {
-      const ptrdiff_t inside = std::clamp((first - odds + 1) >> 1, begin, end);
-      const ptrdiff_t outside = std::clamp(((last - odds) >> 1) + 1, inside, end);
-      for (ptrdiff_t k = begin; k < inside; ++k) to[k - begin] = at(2 * k + odds);
-      for (ptrdiff_t k = outside; k < end; ++k) to[k - begin] = at(2 * k + odds);
-      forEachOverlapping<Working>(static_cast<size_t>(outside - inside), [&](auto d, size_t i) HWY_ATTR {
-        store(d, load(d, band + inside + i), to + (inside - begin) + i);
-      });
-    };
-    gatherBand(low, 0, even());
-    gatherBand(high, 1, odd());
-  }
-
-  // Writes results `from` to `to` - 1.
-  void take(const Working* results, ptrdiff_t from, ptrdiff_t to, Sample* band) const {
-    if (from >= to) return;
-    forEachOverlapping<Working>(static_cast<size_t>(to - from), [&, this](auto d, size_t i) HWY_ATTR {
-      store(d, load(d, results + (from - begin_) + i), band + from + i);
-    });
-  }
-
-  // Writes pairs `from` to `to` - 1, as far as they lie on the line.
-  void join(Sample* x, ptrdiff_t first, ptrdiff_t last, ptrdiff_t from, ptrdiff_t to) {
-    if (2 * from < first) {
-      store(one(), odd()[from - begin_], x + 2 * from + 1);
-      ++from;
+  // Results of pairs `from` to `to` - 1 go to put(d, k, even, odd) by blocks; those of the last one, incomplete, to
+  // putSome(k, pairs, evens, odds); the odd result before position 0 to `before`.
+  template <class Steps, class Get, class Put, class PutSome>
+  HWY_INLINE void run(Line line, ptrdiff_t from, ptrdiff_t to, const Get& get, const Put& put, const PutSome& putSome,
+                      Sample* before) {
+    const Tag d;
+    const auto zero = constant(d, Working{0});
+    auto even = zero, odd = zero;
+    Steps steps(d);
+    const ptrdiff_t pairs = to - from;
+    for (ptrdiff_t k = -kLead; k < kLag; k += kLanes) {
+      get(d, k, even, odd);
+      steps.advance(d, even, odd);
     }
-    if (2 * to - 1 > last) {
-      --to;
-      store(one(), even()[to - begin_], x + 2 * to);
+    Sample some[2 * kLanes];
+    if (from == 0 && line.parity != 0) {
+      storePairs(d, even, odd, some);
+      storeUnaligned(before, some[2 * kLanes - 1]);
     }
-    if (from >= to) return;
-    forEachOverlapping<Working>(static_cast<size_t>(to - from), [&, this](auto d, size_t i) HWY_ATTR {
-      const ptrdiff_t k = from + static_cast<ptrdiff_t>(i);
-      storePairs(d, load(d, even() + (k - begin_)), load(d, odd() + (k - begin_)), x + 2 * k);
-    });
+    const ptrdiff_t odds = std::min(to, line.endHigh()) - from;
+    ptrdiff_t k = 0;
+    for (; k + kLanes <= odds; k += kLanes) {
+      get(d, k + kLag, even, odd);
+      steps.advance(d, even, odd);
+      put(d, from + k, even, odd);
+    }
+    if (k == pairs) return;
+    get(d, k + kLag, even, odd);
+    steps.advance(d, even, odd);
+    storePairs(d, even, odd, some);
+    putSome(from + k, some, static_cast<size_t>(pairs - k), static_cast<size_t>(odds - k));
   }
 
-  ptrdiff_t begin_ = 0;
-  size_t size_ = 0;
-  Working even_[kFront + kPairs + kBehind] = {};
-  Working odd_[kFront + kPairs + kBehind] = {};
+  Sample samples_[2 * kLength] = {};
 };
 
 // What a filter may read of a line of bordered subbands of n samples each.

@@ -115,23 +115,41 @@ struct Wavelet53 {
   using Working = Sample;
   static constexpr ptrdiff_t kReach = 1;
 
-  static void analyse(Sample* even, Sample* odd, size_t pairs) {
-    forEachVector<Sample>(pairs, [=](auto d, size_t i) HWY_ATTR {
-      store(d, subtract(load(d, odd + i), Means::half(d, load(d, even + i), load(d, even + i + 1))), odd + i);
-    });
-    forEachVector<Sample>(pairs, [=](auto d, size_t i) HWY_ATTR {
-      store(d, add(load(d, even + i), Means::quarter(d, load(d, odd + i - 1), load(d, odd + i))), even + i);
-    });
-  }
+  static constexpr ptrdiff_t kLag = 1;
 
-  static void synthesise(Sample* even, Sample* odd, size_t pairs) {
-    forEachVector<Sample>(pairs, [=](auto d, size_t i) HWY_ATTR {
-      store(d, subtract(load(d, even + i), Means::quarter(d, load(d, odd + i - 1), load(d, odd + i))), even + i);
-    });
-    forEachVector<Sample>(pairs, [=](auto d, size_t i) HWY_ATTR {
-      store(d, add(load(d, odd + i), Means::half(d, load(d, even + i), load(d, even + i + 1))), odd + i);
-    });
-  }
+  // Takes the next even and odd samples in, and gives the low and high ones of the block before.
+  template <class D>
+  struct Analysis {
+    using V = Block<D, Sample>;
+    V even, odd, high;
+
+    HWY_INLINE explicit Analysis(D d) : even(constant(d, Sample{0})), odd(even), high(even) {}
+    HWY_INLINE void advance(D d, V& nextEven, V& nextOdd) {
+      const V newHigh = subtract(odd, Means::half(d, even, laneAfter(d, even, nextEven)));
+      const V low = add(even, Means::quarter(d, laneBefore(d, high, newHigh), newHigh));
+      even = nextEven;
+      odd = nextOdd;
+      high = newHigh;
+      nextEven = low;
+      nextOdd = newHigh;
+    }
+  };
+
+  template <class D>
+  struct Synthesis {
+    using V = Block<D, Sample>;
+    V even, high;
+
+    HWY_INLINE explicit Synthesis(D d) : even(constant(d, Sample{0})), high(even) {}
+    HWY_INLINE void advance(D d, V& low, V& nextHigh) {
+      const V nextEven = subtract(low, Means::quarter(d, laneBefore(d, high, nextHigh), nextHigh));
+      const V odd = add(high, Means::half(d, even, laneAfter(d, even, nextEven)));
+      low = even;
+      even = nextEven;
+      high = nextHigh;
+      nextHigh = odd;
+    }
+  };
 
   static void forwardColumns(const ForwardColumns<Sample>& columns) {
     for (size_t at = 0; at < columns.width; at += kStrip)

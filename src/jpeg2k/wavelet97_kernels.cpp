@@ -95,26 +95,50 @@ struct Wavelet97 {
   using Working = typename Steps::Working;
   static constexpr ptrdiff_t kReach = 2;
 
-  static void analyse(Working* even, Working* odd, size_t pairs) {
-    lift(odd, even, even + 1, pairs,
-         [](auto d, auto x, auto a, auto b) HWY_ATTR { return Steps::predict(d, x, a, b); });
-    lift(even, odd - 1, odd, pairs, [](auto d, auto x, auto a, auto b) HWY_ATTR { return Steps::update(d, x, a, b); });
-    lift(odd, even, even + 1, pairs,
-         [](auto d, auto x, auto a, auto b) HWY_ATTR { return Steps::predictAgain(d, x, a, b); });
-    lift(even, odd - 1, odd, pairs, [](auto d, auto x, auto a, auto b) HWY_ATTR { return Steps::low(d, x, a, b); });
-    forEachVector<Working>(pairs,
-                           [=](auto d, size_t i) HWY_ATTR { store(d, Steps::high(d, load(d, odd + i)), odd + i); });
-  }
+  static constexpr ptrdiff_t kLag = 2;
 
-  static void synthesise(Working* even, Working* odd, size_t pairs) {
-    lift(even, odd - 1, odd, pairs, [](auto d, auto x, auto a, auto b) HWY_ATTR { return Steps::undoLow(d, x, a, b); });
-    lift(odd, even, even + 1, pairs,
-         [](auto d, auto x, auto a, auto b) HWY_ATTR { return Steps::undoPredictAgain(d, x, a, b); });
-    lift(even, odd - 1, odd, pairs,
-         [](auto d, auto x, auto a, auto b) HWY_ATTR { return Steps::undoUpdate(d, x, a, b); });
-    lift(odd, even, even + 1, pairs,
-         [](auto d, auto x, auto a, auto b) HWY_ATTR { return Steps::undoPredict(d, x, a, b); });
-  }
+  // Takes the next even and odd samples in, and gives the low and high ones of two blocks before.
+  template <class D>
+  struct Analysis {
+    using V = Block<D, Working>;
+    V even, odd, detail, mean, high;
+
+    HWY_INLINE explicit Analysis(D d)
+        : even(constant(d, Working{0})), odd(even), detail(even), mean(even), high(even) {}
+    HWY_INLINE void advance(D d, V& nextEven, V& nextOdd) {
+      const V newDetail = Steps::predict(d, odd, even, laneAfter(d, even, nextEven));
+      const V newMean = Steps::update(d, even, laneBefore(d, detail, newDetail), newDetail);
+      const V newHigh = Steps::predictAgain(d, detail, mean, laneAfter(d, mean, newMean));
+      const V low = Steps::low(d, mean, laneBefore(d, high, newHigh), newHigh);
+      even = nextEven;
+      odd = nextOdd;
+      detail = newDetail;
+      mean = newMean;
+      high = newHigh;
+      nextEven = low;
+      nextOdd = Steps::high(d, newHigh);
+    }
+  };
+
+  template <class D>
+  struct Synthesis {
+    using V = Block<D, Working>;
+    V high, mean, detail, even;
+
+    HWY_INLINE explicit Synthesis(D d) : high(constant(d, Working{0})), mean(high), detail(high), even(high) {}
+    HWY_INLINE void advance(D d, V& low, V& nextHigh) {
+      const V nextMean = Steps::undoLow(d, low, laneBefore(d, high, nextHigh), nextHigh);
+      const V nextDetail = Steps::undoPredictAgain(d, high, mean, laneAfter(d, mean, nextMean));
+      const V nextEven = Steps::undoUpdate(d, mean, laneBefore(d, detail, nextDetail), nextDetail);
+      const V odd = Steps::undoPredict(d, detail, even, laneAfter(d, even, nextEven));
+      high = nextHigh;
+      mean = nextMean;
+      detail = nextDetail;
+      low = even;
+      even = nextEven;
+      nextHigh = odd;
+    }
+  };
 
   static void forwardColumns(const ForwardColumns<T>& columns) {
     for (size_t at = 0; at < columns.width; at += kStrip)
@@ -128,13 +152,6 @@ struct Wavelet97 {
  private:
   // Columns whose few rows in use stay in the first-level cache.
   static constexpr size_t kStrip = 512;
-
-  template <class Step>
-  static HWY_INLINE void lift(Working* x, const Working* a, const Working* b, size_t count, const Step& step) {
-    forEachVector<Working>(count, [=](auto d, size_t i) HWY_ATTR {
-      store(d, step(d, load(d, x + i), load(d, a + i), load(d, b + i)), x + i);
-    });
-  }
 
   // results[i] = step(x[i], a[i], b[i]) for rows of any types.
   template <class R, class X, class N, class Step>
