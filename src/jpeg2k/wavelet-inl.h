@@ -36,8 +36,29 @@ struct InverseColumns {
 
 // ---- Rows
 
-// A stretch of a line with what surrounds it. The filters run along it by blocks, a vector of pairs each, and give
-// the results of a block W::kLag blocks later. All that is computed on but never stored is zero or comes from samples.
+// Samples and subbands as the filters take them: by blocks, a vector of pairs each.
+template <class T>
+struct InTurns {
+  const T* x;
+  template <class D, class V>
+  HWY_INLINE void read(D d, ptrdiff_t k, V& even, V& odd) const {
+    loadPairs(d, x + 2 * k, even, odd);
+  }
+};
+template <class T>
+struct Apart {
+  const T* low;
+  const T* high;
+  template <class D, class V>
+  HWY_INLINE void read(D d, ptrdiff_t k, V& s, V& h) const {
+    s = load(d, low + k);
+    h = load(d, high + k);
+  }
+};
+
+// The filters run along a line by blocks, and give the results of a block W::kLag blocks later. They read whole blocks
+// of the line in place; here are the blocks before and behind those. All that is computed on but never stored is zero
+// or comes from samples.
 template <class W>
 class Window {
  public:
@@ -46,24 +67,23 @@ class Window {
 
   // Transforms a line whose positions `first` to `last` can be read at x.
   void forward(const Sample* x, ptrdiff_t first, ptrdiff_t last, Line line, Sample* low, Sample* high) {
-    for (ptrdiff_t from = 0; from < line.lows(); from += kPairs) {
-      const ptrdiff_t to = std::min(from + kPairs, line.lows()), begin = from - kBefore, end = to + W::kReach;
-      copyInside(x, 2 * begin, 2 * end, first, last + 1, samples_ + 2 * (kFront - kBefore),
-                 [=](ptrdiff_t c) { return x + reflect(c, first, last); });
-      run<typename W::template Analysis<Tag>>(
-          line, from, to,
-          [this](Tag d, ptrdiff_t k, auto& even, auto& odd)
-              HWY_ATTR { loadPairs(d, samples_ + 2 * (kFront + k), even, odd); },
-          [=](Tag d, ptrdiff_t k, auto s, auto h) HWY_ATTR {
-            store(d, s, low + k);
-            store(d, h, high + k);
-          },
-          [=](ptrdiff_t k, const Sample* pairs, size_t lows, size_t highs) {
-            for (size_t i = 0; i < lows; ++i) storeUnaligned(low + k + i, pairs[2 * i]);
-            for (size_t i = 0; i < highs; ++i) storeUnaligned(high + k + i, pairs[2 * i + 1]);
-          },
-          high - 1);
-    }
+    const auto at = [=](ptrdiff_t c) { return x + reflect(c, first, last); };
+    const ptrdiff_t inPlace = wholeBlocks((last + 1) >> 1), before = W::kReach + line.parity;
+    copyInside(x, -2 * before, 0, first, last + 1, head_ + 2 * (kLead - before), at);
+    copyInside(x, 2 * inPlace, 2 * (line.lows() + W::kReach), first, last + 1, tail_, at);
+    const auto put = [=](Tag d, ptrdiff_t k, auto s, auto h) HWY_ATTR {
+      store(d, s, low + k);
+      store(d, h, high + k);
+    };
+    const auto putSome = [=](Tag d, ptrdiff_t k, auto s, auto h, size_t lows, size_t highs) HWY_ATTR {
+      Sample some[2 * kLanes];
+      store(d, s, some);
+      store(d, h, some + kLanes);
+      std::memcpy(static_cast<void*>(low + k), some, lows * sizeof(Sample));
+      std::memcpy(static_cast<void*>(high + k), some + kLanes, highs * sizeof(Sample));
+    };
+    run<typename W::template Analysis<Tag>>(line, InTurns<Sample>{head_}, InTurns<Sample>{x}, inPlace,
+                                            InTurns<Sample>{tail_}, put, putSome, high - 1);
   }
 
   // The inverse, from subbands that can be read at positions `first` to `last`.
@@ -72,24 +92,23 @@ class Window {
       c = reflect(c, first, last);
       return (c & 1) == 0 ? low + (c >> 1) : high + (c >> 1);
     };
-    for (ptrdiff_t from = 0; from < line.lows(); from += kPairs) {
-      const ptrdiff_t to = std::min(from + kPairs, line.lows()), begin = from - kBefore, end = to + W::kReach;
-      copyInside(low, begin, end, (first + 1) >> 1, (last >> 1) + 1, samples_ + kFront - kBefore,
-                 [=](ptrdiff_t k) { return at(2 * k); });
-      copyInside(high, begin, end, first >> 1, ((last - 1) >> 1) + 1, samples_ + kLength + kFront - kBefore,
-                 [=](ptrdiff_t k) { return at(2 * k + 1); });
-      run<typename W::template Synthesis<Tag>>(
-          line, from, to,
-          [this](Tag d, ptrdiff_t k, auto& s, auto& h) HWY_ATTR {
-            s = load(d, samples_ + kFront + k);
-            h = load(d, samples_ + kLength + kFront + k);
-          },
-          [=](Tag d, ptrdiff_t k, auto even, auto odd) HWY_ATTR { storePairs(d, even, odd, x + 2 * k); },
-          [=](ptrdiff_t k, const Sample* pairs, size_t lows, size_t highs) {
-            std::memcpy(static_cast<void*>(x + 2 * k), pairs, (lows + highs) * sizeof(Sample));
-          },
-          x - 1);
-    }
+    const auto lowAt = [=](ptrdiff_t k) { return at(2 * k); };
+    const auto highAt = [=](ptrdiff_t k) { return at(2 * k + 1); };
+    const ptrdiff_t firstLow = (first + 1) >> 1, endLow = (last >> 1) + 1, firstHigh = first >> 1,
+                    endHigh = (last + 1) >> 1, inPlace = wholeBlocks(endHigh), before = W::kReach + line.parity,
+                    end = line.lows() + W::kReach;
+    copyInside(low, -before, 0, firstLow, endLow, head_ + kLead - before, lowAt);
+    copyInside(high, -before, 0, firstHigh, endHigh, head_ + 2 * kLead - before, highAt);
+    copyInside(low, inPlace, end, firstLow, endLow, tail_, lowAt);
+    copyInside(high, inPlace, end, firstHigh, endHigh, tail_ + kTail, highAt);
+    const auto put = [=](Tag d, ptrdiff_t k, auto even, auto odd) HWY_ATTR { storePairs(d, even, odd, x + 2 * k); };
+    const auto putSome = [=](Tag d, ptrdiff_t k, auto even, auto odd, size_t evens, size_t odds) HWY_ATTR {
+      Sample some[2 * kLanes];
+      storePairs(d, even, odd, some);
+      std::memcpy(static_cast<void*>(x + 2 * k), some, (evens + odds) * sizeof(Sample));
+    };
+    run<typename W::template Synthesis<Tag>>(line, Apart<Sample>{head_, head_ + kLead}, Apart<Sample>{low, high},
+                                             inPlace, Apart<Sample>{tail_, tail_ + kTail}, put, putSome, x - 1);
   }
 
  private:
@@ -100,58 +119,76 @@ class Window {
   using Tag = Single<Working>;
   static constexpr ptrdiff_t kLanes = 1;
 #endif
-  static constexpr ptrdiff_t kPairs = 512;
-  // Pairs that the first results depend on, also where there is an odd position before the first even one.
-  static constexpr ptrdiff_t kBefore = W::kReach + 1;
-  static constexpr ptrdiff_t kLead = (kBefore + kLanes - 1) / kLanes * kLanes, kLag = W::kLag * kLanes;
-  static constexpr ptrdiff_t kFront = kLead, kLength = kFront + kPairs + kLag + kLanes;
+  // Pairs: at most so many are needed before the first, where that is one of an odd sample alone.
+  static constexpr ptrdiff_t kLead = (W::kReach + kLanes) / kLanes * kLanes;
+  static constexpr ptrdiff_t kLag = W::kLag * kLanes;
+  static constexpr ptrdiff_t kTail = kLag + 2 * kLanes + W::kReach;
+
+  static ptrdiff_t wholeBlocks(ptrdiff_t pairs) { return pairs / kLanes * kLanes; }
 
   // to[k - begin] = from[k] as far as `inside` <= k < `outside`, elsewhere *at(k).
   template <class At>
   static void copyInside(const Sample* from, ptrdiff_t begin, ptrdiff_t end, ptrdiff_t inside, ptrdiff_t outside,
                          Sample* to, const At& at) {
-    inside = std::clamp(inside, begin, end);
-    outside = std::clamp(outside, inside, end);
+    inside = std::clamp(inside, begin, std::max(begin, end));
+    outside = std::clamp(outside, inside, std::max(inside, end));
     for (ptrdiff_t k = begin; k < inside; ++k) to[k - begin] = loadUnaligned(at(k));
     std::memcpy(to + (inside - begin), static_cast<const void*>(from + inside),
                 static_cast<size_t>(outside - inside) * sizeof(Sample));
     for (ptrdiff_t k = outside; k < end; ++k) to[k - begin] = loadUnaligned(at(k));
   }
 
-  // Results of pairs `from` to `to` - 1 go to put(d, k, even, odd) by blocks; those of the last one, incomplete, to
-  // putSome(k, pairs, evens, odds); the odd result before position 0 to `before`.
-  template <class Steps, class Get, class Put, class PutSome>
-  HWY_INLINE void run(Line line, ptrdiff_t from, ptrdiff_t to, const Get& get, const Put& put, const PutSome& putSome,
-                      Sample* before) {
+  // Results of blocks of pairs go to put(d, k, even, odd); those of the last one, where it is incomplete, to
+  // putSome(d, k, even, odd, evens, odds); the odd result before the first even one, if there is one, to `before`.
+  template <class Steps, class Source, class Put, class PutSome>
+  static HWY_INLINE void run(Line line, const Source& head, const Source& x, ptrdiff_t inPlace, const Source& tail,
+                             const Put& put, const PutSome& putSome, Sample* before) {
     const Tag d;
-    const auto zero = constant(d, Working{0});
-    auto even = zero, odd = zero;
+    auto even = constant(d, Working{0}), odd = even;
     Steps steps(d);
-    const ptrdiff_t pairs = to - from;
-    for (ptrdiff_t k = -kLead; k < kLag; k += kLanes) {
-      get(d, k, even, odd);
+    for (ptrdiff_t k = 0; k < kLead; k += kLanes) {
+      head.read(d, k, even, odd);
       steps.advance(d, even, odd);
     }
-    Sample some[2 * kLanes];
-    if (from == 0 && line.parity != 0) {
-      storePairs(d, even, odd, some);
-      storeUnaligned(before, some[2 * kLanes - 1]);
-    }
-    const ptrdiff_t odds = std::min(to, line.endHigh()) - from;
-    ptrdiff_t k = 0;
-    for (; k + kLanes <= odds; k += kLanes) {
-      get(d, k + kLag, even, odd);
+    ptrdiff_t k = -kLag;
+    for (; k < 0; k += kLanes) {
+      readNext(d, x, inPlace, tail, k + kLag, even, odd);
       steps.advance(d, even, odd);
-      put(d, from + k, even, odd);
     }
-    if (k == pairs) return;
-    get(d, k + kLag, even, odd);
-    steps.advance(d, even, odd);
-    storePairs(d, even, odd, some);
-    putSome(from + k, some, static_cast<size_t>(pairs - k), static_cast<size_t>(odds - k));
+    if (line.parity != 0) {
+      Sample odds[kLanes];
+      store(d, odd, odds);
+      storeUnaligned(before, odds[kLanes - 1]);
+    }
+    const ptrdiff_t evens = line.lows(), odds = line.endHigh();
+    for (const ptrdiff_t end = std::min(inPlace - kLag, odds) - kLanes; k <= end; k += kLanes) {
+      x.read(d, k + kLag, even, odd);
+      steps.advance(d, even, odd);
+      put(d, k, even, odd);
+    }
+    for (; k < evens; k += kLanes) {
+      readNext(d, x, inPlace, tail, k + kLag, even, odd);
+      steps.advance(d, even, odd);
+      if (k + kLanes <= odds) {
+        put(d, k, even, odd);
+      } else {
+        putSome(d, k, even, odd, static_cast<size_t>(std::min(kLanes, evens - k)), static_cast<size_t>(odds - k));
+      }
+    }
   }
 
-  Sample samples_[2 * kLength] = {};
+  template <class Source, class V>
+  static HWY_INLINE void readNext(Tag d, const Source& x, ptrdiff_t inPlace, const Source& tail, ptrdiff_t k, V& even,
+                                  V& odd) {
+    if (k < inPlace) {
+      x.read(d, k, even, odd);
+    } else {
+      tail.read(d, k - inPlace, even, odd);
+    }
+  }
+
+  Sample head_[2 * kLead] = {};
+  Sample tail_[2 * kTail] = {};
 };
 
 // What a filter may read of a line of bordered subbands of n samples each.

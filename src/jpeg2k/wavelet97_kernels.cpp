@@ -95,23 +95,33 @@ struct Wavelet97 {
   using Working = typename Steps::Working;
   static constexpr ptrdiff_t kReach = 2;
 
-  static constexpr ptrdiff_t kLag = 2;
+  // Results come three blocks late although two would do: so the second half of the steps does not have to wait for the
+  // first, and processors overlap more of them.
+  static constexpr ptrdiff_t kLag = 3;
 
-  // Takes the next even and odd samples in, and gives the low and high ones of two blocks before.
+  // Takes the next even and odd samples in, and gives the low and high ones of three blocks before.
   template <class D>
   struct Analysis {
     using V = Block<D, Working>;
-    V even, odd, detail, mean, high;
+    V even, odd, detail, mean, lastDetail, lastMean, high;
 
     HWY_INLINE explicit Analysis(D d)
-        : even(constant(d, Working{0})), odd(even), detail(even), mean(even), high(even) {}
+        : even(constant(d, Working{0})),
+          odd(even),
+          detail(even),
+          mean(even),
+          lastDetail(even),
+          lastMean(even),
+          high(even) {}
     HWY_INLINE void advance(D d, V& nextEven, V& nextOdd) {
+      const V newHigh = Steps::predictAgain(d, lastDetail, lastMean, laneAfter(d, lastMean, mean));
+      const V low = Steps::low(d, lastMean, laneBefore(d, high, newHigh), newHigh);
       const V newDetail = Steps::predict(d, odd, even, laneAfter(d, even, nextEven));
       const V newMean = Steps::update(d, even, laneBefore(d, detail, newDetail), newDetail);
-      const V newHigh = Steps::predictAgain(d, detail, mean, laneAfter(d, mean, newMean));
-      const V low = Steps::low(d, mean, laneBefore(d, high, newHigh), newHigh);
       even = nextEven;
       odd = nextOdd;
+      lastDetail = detail;
+      lastMean = mean;
       detail = newDetail;
       mean = newMean;
       high = newHigh;
@@ -123,19 +133,23 @@ struct Wavelet97 {
   template <class D>
   struct Synthesis {
     using V = Block<D, Working>;
-    V high, mean, detail, even;
+    V high, mean, detail, lastMean, lastDetail, even;
 
-    HWY_INLINE explicit Synthesis(D d) : high(constant(d, Working{0})), mean(high), detail(high), even(high) {}
+    HWY_INLINE explicit Synthesis(D d)
+        : high(constant(d, Working{0})), mean(high), detail(high), lastMean(high), lastDetail(high), even(high) {}
+    // detail is a block behind mean, and lastDetail one behind lastMean.
     HWY_INLINE void advance(D d, V& low, V& nextHigh) {
-      const V nextMean = Steps::undoLow(d, low, laneBefore(d, high, nextHigh), nextHigh);
-      const V nextDetail = Steps::undoPredictAgain(d, high, mean, laneAfter(d, mean, nextMean));
-      const V nextEven = Steps::undoUpdate(d, mean, laneBefore(d, detail, nextDetail), nextDetail);
-      const V odd = Steps::undoPredict(d, detail, even, laneAfter(d, even, nextEven));
-      high = nextHigh;
-      mean = nextMean;
-      detail = nextDetail;
+      const V newEven = Steps::undoUpdate(d, lastMean, laneBefore(d, lastDetail, detail), detail);
+      const V odd = Steps::undoPredict(d, lastDetail, even, laneAfter(d, even, newEven));
+      const V newMean = Steps::undoLow(d, low, laneBefore(d, high, nextHigh), nextHigh);
+      const V newDetail = Steps::undoPredictAgain(d, high, mean, laneAfter(d, mean, newMean));
       low = even;
-      even = nextEven;
+      high = nextHigh;
+      lastMean = mean;
+      mean = newMean;
+      lastDetail = detail;
+      detail = newDetail;
+      even = newEven;
       nextHigh = odd;
     }
   };
