@@ -95,61 +95,63 @@ struct Wavelet97 {
   using Working = typename Steps::Working;
   static constexpr ptrdiff_t kReach = 2;
 
-  // Results come three blocks late although two would do: so the second half of the steps does not have to wait for the
-  // first, and processors overlap more of them.
-  static constexpr ptrdiff_t kLag = 3;
+  // Results come five blocks late although two would do: so each of the four steps takes what the others have made of
+  // the block before, none waits for another, and processors overlap them.
+  static constexpr ptrdiff_t kLag = 5;
 
-  // Takes the next even and odd samples in, and gives the low and high ones of three blocks before.
+  // Takes the next even and odd samples in, and gives the low and high ones of five blocks before.
   template <class D>
   struct Analysis {
     using V = Block<D, Working>;
-    V even, odd, detail, mean, lastDetail, lastMean, high;
+    // The last blocks of each kind, from the latest.
+    V even[2], odd, detail[3], mean[3], high[2];
 
-    HWY_INLINE explicit Analysis(D d)
-        : even(constant(d, Working{0})),
-          odd(even),
-          detail(even),
-          mean(even),
-          lastDetail(even),
-          lastMean(even),
-          high(even) {}
+    HWY_INLINE explicit Analysis(D d) {
+      even[0] = even[1] = odd = detail[0] = detail[1] = detail[2] = constant(d, Working{0});
+      mean[0] = mean[1] = mean[2] = high[0] = high[1] = odd;
+    }
     HWY_INLINE void advance(D d, V& nextEven, V& nextOdd) {
-      const V newHigh = Steps::predictAgain(d, lastDetail, lastMean, laneAfter(d, lastMean, mean));
-      const V low = Steps::low(d, lastMean, laneBefore(d, high, newHigh), newHigh);
-      const V newDetail = Steps::predict(d, odd, even, laneAfter(d, even, nextEven));
-      const V newMean = Steps::update(d, even, laneBefore(d, detail, newDetail), newDetail);
-      even = nextEven;
+      const V low = Steps::low(d, mean[2], laneBefore(d, high[1], high[0]), high[0]);
+      const V scaled = Steps::high(d, high[0]);
+      high[1] = high[0];
+      high[0] = Steps::predictAgain(d, detail[2], mean[1], laneAfter(d, mean[1], mean[0]));
+      mean[2] = mean[1];
+      mean[1] = mean[0];
+      mean[0] = Steps::update(d, even[1], laneBefore(d, detail[1], detail[0]), detail[0]);
+      detail[2] = detail[1];
+      detail[1] = detail[0];
+      detail[0] = Steps::predict(d, odd, even[0], laneAfter(d, even[0], nextEven));
+      even[1] = even[0];
+      even[0] = nextEven;
       odd = nextOdd;
-      lastDetail = detail;
-      lastMean = mean;
-      detail = newDetail;
-      mean = newMean;
-      high = newHigh;
       nextEven = low;
-      nextOdd = Steps::high(d, newHigh);
+      nextOdd = scaled;
     }
   };
 
   template <class D>
   struct Synthesis {
     using V = Block<D, Working>;
-    V high, mean, detail, lastMean, lastDetail, even;
+    V high[2], mean[3], detail[3], even[2];
 
-    HWY_INLINE explicit Synthesis(D d)
-        : high(constant(d, Working{0})), mean(high), detail(high), lastMean(high), lastDetail(high), even(high) {}
-    // detail is a block behind mean, and lastDetail one behind lastMean.
+    HWY_INLINE explicit Synthesis(D d) {
+      high[0] = high[1] = mean[0] = mean[1] = mean[2] = constant(d, Working{0});
+      detail[0] = detail[1] = detail[2] = even[0] = even[1] = high[0];
+    }
     HWY_INLINE void advance(D d, V& low, V& nextHigh) {
-      const V newEven = Steps::undoUpdate(d, lastMean, laneBefore(d, lastDetail, detail), detail);
-      const V odd = Steps::undoPredict(d, lastDetail, even, laneAfter(d, even, newEven));
-      const V newMean = Steps::undoLow(d, low, laneBefore(d, high, nextHigh), nextHigh);
-      const V newDetail = Steps::undoPredictAgain(d, high, mean, laneAfter(d, mean, newMean));
-      low = even;
-      high = nextHigh;
-      lastMean = mean;
-      mean = newMean;
-      lastDetail = detail;
-      detail = newDetail;
-      even = newEven;
+      const V odd = Steps::undoPredict(d, detail[2], even[1], laneAfter(d, even[1], even[0]));
+      const V ready = even[1];
+      even[1] = even[0];
+      even[0] = Steps::undoUpdate(d, mean[2], laneBefore(d, detail[1], detail[0]), detail[0]);
+      detail[2] = detail[1];
+      detail[1] = detail[0];
+      detail[0] = Steps::undoPredictAgain(d, high[1], mean[1], laneAfter(d, mean[1], mean[0]));
+      mean[2] = mean[1];
+      mean[1] = mean[0];
+      mean[0] = Steps::undoLow(d, low, laneBefore(d, high[0], nextHigh), nextHigh);
+      high[1] = high[0];
+      high[0] = nextHigh;
+      low = ready;
       nextHigh = odd;
     }
   };

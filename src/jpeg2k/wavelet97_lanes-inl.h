@@ -55,35 +55,43 @@ struct FloatSteps {
 
 // ---- Sums of 64-bit products
 
-inline int64_t product(Single<int32_t>, int32_t x, int32_t factor) { return int64_t{x} * factor; }
+template <int32_t factor>
+int64_t product(Single<int32_t>, int32_t x) {
+  return int64_t{x} * factor;
+}
 inline int32_t roundOff(Single<int32_t>, int64_t sum) { return static_cast<int32_t>((sum + 32768) >> 16); }
 
 #if ZORJ_SIMD
-// The products of the even and of the odd lanes.
-template <class D>
+// sum = 2^16 whole + rest, in 32 bits each. A factor is split into a multiple of 2^16 and one of 16 bits, whose product
+// with the high half of x is whole and that with the low half rest.
+template <class V>
 struct Products {
-  hn::Vec<hn::Repartition<int64_t, D>> even, odd;
+  V whole, rest;
 
   HWY_INLINE Products operator+(const Products& other) const {
-    return {hn::Add(even, other.even), hn::Add(odd, other.odd)};
+    return {hn::Add(whole, other.whole), hn::Add(rest, other.rest)};
   }
 };
 
-template <class D>
-HWY_INLINE Products<D> product(D d, hn::Vec<D> x, int32_t factor) {
-  const hn::Repartition<uint64_t, D> d64;
-  const auto factors = hn::Set(d, factor);
-  return {hn::MulEven(x, factors), hn::MulEven(hn::BitCast(d, hn::ShiftRight<32>(hn::BitCast(d64, x))), factors)};
+template <int32_t factor, class D, class V = hn::Vec<D>>
+HWY_INLINE Products<V> product(D d, V x) {
+  constexpr int16_t kRest = static_cast<int16_t>(factor);
+  constexpr int kWhole = (factor - kRest) / 65536;
+  static_assert(kWhole >= -2 && kWhole <= 1);
+  const hn::Repartition<int16_t, D> d16;
+  auto multiple = hn::Zero(d), ignored = multiple;
+  if constexpr (kWhole == 1) multiple = x;
+  if constexpr (kWhole == -1) multiple = hn::Neg(x);
+  if constexpr (kWhole == -2) multiple = hn::Sub(multiple, hn::Add(x, x));
+  const auto ofHigh = hn::BitCast(d16, hn::Set(d, static_cast<int32_t>(uint32_t{static_cast<uint16_t>(kRest)} << 16)));
+  return {hn::ReorderWidenMulAccumulate(d, hn::BitCast(d16, x), ofHigh, multiple, ignored),
+          hn::Mul(hn::And(x, hn::Set(d, 0xFFFF)), hn::Set(d, int32_t{kRest}))};
 }
 
-// Bits 16 to 47 of the rounded sums: it takes no arithmetic shift to get them.
-template <class D>
-HWY_INLINE hn::Vec<D> roundOff(D d, Products<D> sum) {
-  const hn::Repartition<int64_t, D> d64;
-  const auto bias = hn::Set(d64, int64_t{32768});
-  const auto even = hn::ShiftRight<16>(hn::BitCast(hn::Repartition<uint64_t, D>(), hn::Add(sum.even, bias)));
-  const auto odd = hn::ShiftLeft<16>(hn::Add(sum.odd, bias));
-  return hn::OddEven(hn::BitCast(d, odd), hn::BitCast(d, even));
+// The sums here have rests that fit 32 bits: the signs of their factors differ.
+template <class D, class V>
+HWY_INLINE V roundOff(D d, Products<V> sum) {
+  return hn::Add(sum.whole, hn::ShiftRight<16>(hn::Add(sum.rest, hn::Set(d, 32768))));
 }
 #endif
 
@@ -93,41 +101,41 @@ struct FixedSteps {
 
   template <class D, class V>
   static HWY_INLINE V predict(D d, V x, V a, V b) {
-    return add(x, roundOff(d, product(d, add(a, b), kAlpha)));
+    return add(x, roundOff(d, product<kAlpha>(d, add(a, b))));
   }
   template <class D, class V>
   static HWY_INLINE V update(D d, V x, V a, V b) {
-    return add(x, roundOff(d, product(d, add(a, b), kBeta)));
+    return add(x, roundOff(d, product<kBeta>(d, add(a, b))));
   }
   template <class D, class V>
   static HWY_INLINE V predictAgain(D d, V x, V a, V b) {
-    return add(x, roundOff(d, product(d, add(a, b), kGamma)));
+    return add(x, roundOff(d, product<kGamma>(d, add(a, b))));
   }
   template <class D, class V>
   static HWY_INLINE V low(D d, V x, V a, V b) {
-    return roundOff(d, product(d, x, kInverseK) + product(d, add(a, b), kDeltaByK));
+    return roundOff(d, product<kInverseK>(d, x) + product<kDeltaByK>(d, add(a, b)));
   }
   template <class D, class V>
   static HWY_INLINE V high(D d, V x) {
-    return roundOff(d, product(d, x, kK));
+    return roundOff(d, product<kK>(d, x));
   }
 
   template <class D, class V>
   static HWY_INLINE V undoLow(D d, V s, V a, V b) {
-    return roundOff(d, product(d, s, kK) + product(d, add(a, b), -kDeltaByK));
+    return roundOff(d, product<kK>(d, s) + product<-kDeltaByK>(d, add(a, b)));
   }
   template <class D, class V>
   static HWY_INLINE V undoPredictAgain(D d, V high, V a, V b) {
-    return roundOff(d, product(d, high, kInverseK) + product(d, add(a, b), -kGamma));
+    return roundOff(d, product<kInverseK>(d, high) + product<-kGamma>(d, add(a, b)));
   }
   // What the forward step added, half-way cases included, is taken away again.
   template <class D, class V>
   static HWY_INLINE V undoUpdate(D d, V x, V a, V b) {
-    return subtract(x, roundOff(d, product(d, add(a, b), kBeta)));
+    return subtract(x, roundOff(d, product<kBeta>(d, add(a, b))));
   }
   template <class D, class V>
   static HWY_INLINE V undoPredict(D d, V x, V a, V b) {
-    return subtract(x, roundOff(d, product(d, add(a, b), kAlpha)));
+    return subtract(x, roundOff(d, product<kAlpha>(d, add(a, b))));
   }
 
  private:
