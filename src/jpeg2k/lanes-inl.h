@@ -198,6 +198,28 @@ void storePairs(Single<S> d, S even, S odd, T* to) {
   store(d, odd, to + 1);
 }
 #if ZORJ_SIMD
+#if HWY_TARGET == HWY_AVX2
+// The even and odd samples of each 16 bytes of a and b, those of a first.
+template <class D, class V>
+HWY_INLINE void splitParts(D d, V a, V b, V& even, V& odd) {
+  if constexpr (sizeof(hn::TFromD<D>) == 2) {
+    const hn::Repartition<uint64_t, D> d64;
+    const hn::Repartition<uint8_t, D> d8;
+    alignas(16) static constexpr uint8_t kOrder[16] = {0, 1, 4, 5, 8, 9, 12, 13, 2, 3, 6, 7, 10, 11, 14, 15};
+    const auto order = hn::LoadDup128(d8, kOrder);
+    const auto first = hn::BitCast(d64, hn::TableLookupBytes(hn::BitCast(d8, a), order));
+    const auto second = hn::BitCast(d64, hn::TableLookupBytes(hn::BitCast(d8, b), order));
+    even = hn::BitCast(d, hn::InterleaveLower(d64, first, second));
+    odd = hn::BitCast(d, hn::InterleaveUpper(d64, first, second));
+  } else {
+    const hn::RebindToFloat<D> df;
+    const auto first = hn::BitCast(df, a).raw, second = hn::BitCast(df, b).raw;
+    even = hn::BitCast(d, hn::Vec<decltype(df)>{_mm256_shuffle_ps(first, second, _MM_SHUFFLE(2, 0, 2, 0))});
+    odd = hn::BitCast(d, hn::Vec<decltype(df)>{_mm256_shuffle_ps(first, second, _MM_SHUFFLE(3, 1, 3, 1))});
+  }
+}
+#endif
+
 template <class D, class V, class T>
 HWY_INLINE void loadPairs(D d, const T* from, V& even, V& odd) {
   if constexpr (sizeof(T) < sizeof(hn::TFromD<D>)) {
@@ -205,7 +227,15 @@ HWY_INLINE void loadPairs(D d, const T* from, V& even, V& odd) {
     even = hn::ShiftRight<16>(hn::ShiftLeft<16>(pairs));
     odd = hn::ShiftRight<16>(pairs);
   } else {
+#if HWY_TARGET == HWY_AVX2
+    // Loading halves spares the permutation of the results.
+    const hn::Half<D> half;
+    constexpr size_t kHalf = 16 / sizeof(T);
+    splitParts(d, hn::Combine(d, hn::LoadU(half, from + 2 * kHalf), hn::LoadU(half, from)),
+               hn::Combine(d, hn::LoadU(half, from + 3 * kHalf), hn::LoadU(half, from + kHalf)), even, odd);
+#else
     hn::LoadInterleaved2(d, from, even, odd);
+#endif
   }
 }
 template <class D, class V, class T>
