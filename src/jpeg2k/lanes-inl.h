@@ -160,31 +160,6 @@ HWY_INLINE void forEachLane(size_t count, const Kernel& kernel) {
   for (; i < count; ++i) kernel(Single<S>(), i);
 }
 
-// The same, with up to a vector of further lanes.
-template <class S, class Kernel>
-HWY_INLINE void forEachVector(size_t count, const Kernel& kernel) {
-#if ZORJ_SIMD
-  const hn::ScalableTag<S> d;
-  for (size_t i = 0; i < count; i += hn::Lanes(d)) kernel(d, i);
-#else
-  for (size_t i = 0; i < count; ++i) kernel(Single<S>(), i);
-#endif
-}
-
-// The same, each at least once; for kernels whose sources stay as they are.
-template <class S, class Kernel>
-HWY_INLINE void forEachOverlapping(size_t count, const Kernel& kernel) {
-#if ZORJ_SIMD
-  const hn::ScalableTag<S> d;
-  const size_t lanes = hn::Lanes(d);
-  if (count >= lanes) {
-    for (size_t i = 0; i < count; i += lanes) kernel(d, i + lanes <= count ? i : count - lanes);
-    return;
-  }
-#endif
-  forEachLane<S>(count, kernel);
-}
-
 // ---- Pairs of samples that lie in turns
 
 template <class S, class T>
