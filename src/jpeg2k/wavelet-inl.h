@@ -60,7 +60,7 @@ struct Apart {
 // of the line in place; here are the blocks before and behind those. All that is computed on but never stored is zero
 // or comes from samples.
 template <class W>
-class Window {
+class RowTransform {
  public:
   using Sample = typename W::Sample;
   using Working = typename W::Working;
@@ -195,22 +195,22 @@ class Window {
 template <class W>
 void forwardRows(Image<const typename W::Sample> src, Image<typename W::Sample> low, Image<typename W::Sample> high,
                  RoiSize band, int parity) {
-  Window<W> window;
+  RowTransform<W> lines;
   const ptrdiff_t n = band.width;
   for (ptrdiff_t y = 0; y < band.height; ++y) {
-    window.forward(src.row(y) + parity, -2 * W::kReach, 2 * (n + W::kReach - 1), {2 * n, parity}, low.row(y),
-                   high.row(y) + parity);
+    lines.forward(src.row(y) + parity, -2 * W::kReach, 2 * (n + W::kReach - 1), {2 * n, parity}, low.row(y),
+                  high.row(y) + parity);
   }
 }
 
 template <class W>
 void inverseRows(Image<const typename W::Sample> low, Image<const typename W::Sample> high,
                  Image<typename W::Sample> dst, RoiSize band, int parity) {
-  Window<W> window;
+  RowTransform<W> lines;
   const ptrdiff_t n = band.width;
   for (ptrdiff_t y = 0; y < band.height; ++y) {
-    window.inverse(low.row(y), high.row(y) + parity, 1 - 2 * W::kReach - 2 * parity, 2 * (n + W::kReach - parity) - 1,
-                   {2 * n, parity}, dst.row(y) + parity);
+    lines.inverse(low.row(y), high.row(y) + parity, 1 - 2 * W::kReach - 2 * parity, 2 * (n + W::kReach - parity) - 1,
+                  {2 * n, parity}, dst.row(y) + parity);
   }
 }
 
@@ -294,26 +294,26 @@ void inversePairs(const typename W::Sample* low, const typename W::Sample* high,
 
 // A row into its low samples, followed by its high samples; and back.
 template <class W>
-void forwardRow(Window<W>& window, Line line, const typename W::Sample* x, typename W::Sample* bands) {
+void forwardRow(RowTransform<W>& lines, Line line, const typename W::Sample* x, typename W::Sample* bands) {
   const ptrdiff_t lows = line.lows();
   if (line.length == 1) {
     forwardSingles<W>(x, bands, line.parity != 0, 1);
   } else if (line.length == 2) {
     forwardPairs<W>(x + line.parity, x + 1 - line.parity, bands, bands + 1, 1);
   } else {
-    window.forward(x + line.parity, line.first(), line.last(), line, bands, bands + lows + line.parity);
+    lines.forward(x + line.parity, line.first(), line.last(), line, bands, bands + lows + line.parity);
   }
 }
 
 template <class W>
-void inverseRow(Window<W>& window, Line line, const typename W::Sample* bands, typename W::Sample* x) {
+void inverseRow(RowTransform<W>& lines, Line line, const typename W::Sample* bands, typename W::Sample* x) {
   const ptrdiff_t lows = line.lows();
   if (line.length == 1) {
     inverseSingles<W>(bands, x, line.parity != 0, 1);
   } else if (line.length == 2) {
     inversePairs<W>(bands, bands + 1, x + line.parity, x + 1 - line.parity, 1);
   } else {
-    window.inverse(bands, bands + lows + line.parity, line.first(), line.last(), line, x + line.parity);
+    lines.inverse(bands, bands + lows + line.parity, line.first(), line.last(), line, x + line.parity);
   }
 }
 
@@ -363,24 +363,24 @@ void forwardInPlace(Image<T> tile, const Level<T>& level) {
   const Line across = level.across, down = level.down;
   const auto width = static_cast<size_t>(across.length);
   forwardTileColumns<W>(tile.toRead(), tile.everyOther(down.parity), tile.everyOther(1 - down.parity), down, width);
-  Window<W> window;
+  RowTransform<W> lines;
   permuteRows(
       tile, down.length, level.line, width,
       [=, lows = down.lows()](ptrdiff_t y) {
         return y < lows ? 2 * y + down.parity : 2 * (y - lows) + 1 - down.parity;
       },
-      [&](T* to, const T* from) { forwardRow(window, across, from, to); });
+      [&](T* to, const T* from) { forwardRow(lines, across, from, to); });
 }
 
 template <class W, class T = typename W::Sample>
 void inverseInPlace(Image<T> tile, const Level<T>& level) {
   const Line across = level.across, down = level.down;
   const auto width = static_cast<size_t>(across.length);
-  Window<W> window;
+  RowTransform<W> lines;
   permuteRows(
       tile, down.length, level.line, width,
       [=, lows = down.lows()](ptrdiff_t y) { return y % 2 == down.parity ? y / 2 : lows + y / 2; },
-      [&](T* to, const T* from) { inverseRow(window, across, from, to); });
+      [&](T* to, const T* from) { inverseRow(lines, across, from, to); });
   inverseTileColumns<W>(tile.everyOther(down.parity).toRead(), tile.everyOther(1 - down.parity).toRead(), tile, down,
                         width);
 }
@@ -409,9 +409,9 @@ void forwardApart(Image<const T> src, const Image<T> (&subbands)[kSubbands], Ima
   const Line across = level.across, down = level.down;
   const size_t width = static_cast<size_t>(across.length), left = (width + 1) / 2;
   forwardTileColumns<W>(src, buffer, {buffer.row(down.lows()), buffer.step}, down, width);
-  Window<W> window;
+  RowTransform<W> lines;
   forEachSubbandRow(subbands, down.length, [&](T* leftBand, T* rightBand, ptrdiff_t y) {
-    forwardRow(window, across, buffer.row(y), level.line);
+    forwardRow(lines, across, buffer.row(y), level.line);
     copySamples(level.line, leftBand, left);
     copySamples(level.line + left, rightBand, width - left);
   });
@@ -421,11 +421,11 @@ template <class W, class T = typename W::Sample>
 void inverseApart(const Image<const T> (&subbands)[kSubbands], Image<T> dst, Image<T> buffer, const Level<T>& level) {
   const Line across = level.across, down = level.down;
   const size_t width = static_cast<size_t>(across.length), left = (width + 1) / 2;
-  Window<W> window;
+  RowTransform<W> lines;
   forEachSubbandRow(subbands, down.length, [&](const T* leftBand, const T* rightBand, ptrdiff_t y) {
     copySamples(leftBand, level.line, left);
     copySamples(rightBand, level.line + left, width - left);
-    inverseRow(window, across, level.line, buffer.row(y));
+    inverseRow(lines, across, level.line, buffer.row(y));
   });
   inverseTileColumns<W>(buffer.toRead(), Image<const T>{buffer.row(down.lows()), buffer.step}, dst, down, width);
 }
