@@ -129,7 +129,7 @@ void compareFloats(const std::string& what, int32_t side, bool down, ForwardFloa
   const size_t samples = static_cast<size_t>(wide) * static_cast<size_t>(wide);
   const auto x = std::make_shared<Samples<float>>(samples), low = std::make_shared<Samples<float>>(samples),
              high = std::make_shared<Samples<float>>(samples);
-  const size_t first = static_cast<size_t>(border * wide + border);
+  const size_t first = static_cast<size_t>(border) * static_cast<size_t>(wide + 1);
   const RoiSize band = down ? RoiSize{side, side / 2} : RoiSize{side / 2, side};
   const auto runForward = [=] {
     forward(x->data() + first, step, low->data() + first, step, high->data() + first, step, band, 0);

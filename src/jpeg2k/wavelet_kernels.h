@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "zorj/jpeg2k_transform.h"
 
@@ -18,12 +19,18 @@ struct Image {
   ptrdiff_t step;
 
   T* row(ptrdiff_t y) const {
-    return reinterpret_cast<T*>(reinterpret_cast<uintptr_t>(data) +
-                                static_cast<uintptr_t>(y) * static_cast<uintptr_t>(step));
+    using Byte = std::conditional_t<std::is_const_v<T>, const uint8_t, uint8_t>;
+    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(data) + times(step, y));
   }
   Image<const T> toRead() const { return {data, step}; }
   // Every other row, from row y on.
-  Image everyOther(ptrdiff_t y) const { return {row(y), 2 * step}; }
+  Image everyOther(ptrdiff_t y) const { return {row(y), times(step, 2)}; }
+
+ private:
+  // Wraps: the row beyond an only row may be out of reach.
+  static ptrdiff_t times(ptrdiff_t bytes, ptrdiff_t count) {
+    return static_cast<ptrdiff_t>(static_cast<size_t>(bytes) * static_cast<size_t>(count));
+  }
 };
 
 // A line of samples and its subbands.
