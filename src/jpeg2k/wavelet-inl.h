@@ -146,44 +146,34 @@ class RowTransform {
     const Tag d;
     auto even = constant(d, Working{0}), odd = even;
     Steps steps(d);
-    for (ptrdiff_t k = 0; k < kLead; k += kLanes) {
-      head.read(d, k, even, odd);
-      steps.advance(d, even, odd);
-    }
-    ptrdiff_t k = -kLag;
-    for (; k < 0; k += kLanes) {
-      readNext(d, x, inPlace, tail, k + kLag, even, odd);
-      steps.advance(d, even, odd);
-    }
-    if (line.parity != 0) {
-      Sample odds[kLanes];
-      store(d, odd, odds);
-      storeUnaligned(before, odds[kLanes - 1]);
-    }
-    const ptrdiff_t evens = line.lows(), odds = line.endHigh();
-    for (const ptrdiff_t end = std::min(inPlace - kLag, odds) - kLanes; k <= end; k += kLanes) {
-      x.read(d, k + kLag, even, odd);
-      steps.advance(d, even, odd);
-      put(d, k, even, odd);
-    }
-    for (; k < evens; k += kLanes) {
-      readNext(d, x, inPlace, tail, k + kLag, even, odd);
-      steps.advance(d, even, odd);
-      if (k + kLanes <= odds) {
-        put(d, k, even, odd);
-      } else {
-        putSome(d, k, even, odd, static_cast<size_t>(std::min(kLanes, evens - k)), static_cast<size_t>(odds - k));
+    const ptrdiff_t evens = line.lows(), odds = line.endHigh(), fastEnd = std::min(inPlace, odds + kLag) - kLanes;
+    for (ptrdiff_t next = -kLead;; next += kLanes) {
+      if (next == kLag) {
+        for (; next <= fastEnd; next += kLanes) {
+          x.read(d, next, even, odd);
+          steps.advance(d, even, odd);
+          put(d, next - kLag, even, odd);
+        }
       }
-    }
-  }
-
-  template <class Source, class V>
-  static HWY_INLINE void readNext(Tag d, const Source& x, ptrdiff_t inPlace, const Source& tail, ptrdiff_t k, V& even,
-                                  V& odd) {
-    if (k < inPlace) {
-      x.read(d, k, even, odd);
-    } else {
-      tail.read(d, k - inPlace, even, odd);
+      const ptrdiff_t k = next - kLag;
+      if (k >= evens) return;
+      if (next < 0) {
+        head.read(d, next + kLead, even, odd);
+      } else if (next < inPlace) {
+        x.read(d, next, even, odd);
+      } else {
+        tail.read(d, next - inPlace, even, odd);
+      }
+      steps.advance(d, even, odd);
+      if (k >= 0 && k + kLanes <= odds) {
+        put(d, k, even, odd);
+      } else if (k >= 0) {
+        putSome(d, k, even, odd, static_cast<size_t>(std::min(kLanes, evens - k)), static_cast<size_t>(odds - k));
+      } else if (k == -kLanes && line.parity != 0) {
+        Sample results[kLanes];
+        store(d, odd, results);
+        storeUnaligned(before, results[kLanes - 1]);
+      }
     }
   }
 
