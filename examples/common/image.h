@@ -7,7 +7,8 @@
 
 namespace examples {
 
-// 8-bit grey (1 channel) or RGB (3 channels), pixels interleaved, rows without padding.
+// 8-bit grey (1 channel), RGB (3 channels) or CMYK (4 channels, 255 for full ink); pixels interleaved, rows without
+// padding.
 struct Image {
   int32_t width = 0;
   int32_t height = 0;

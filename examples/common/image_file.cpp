@@ -19,7 +19,7 @@ Image readImage(const std::string& path) {
   } catch (const Error& error) {
     throw Error(path + ": " + error.what());
   }
-  throw Error(path + ": neither a PNG nor a binary PGM or PPM file");
+  throw Error(path + ": neither a PNG nor a binary PGM, PPM or PAM file");
 }
 
 ImageFormat imageFormatOf(const std::string& path) {
@@ -29,17 +29,37 @@ ImageFormat imageFormatOf(const std::string& path) {
   if (extension == ".png") return ImageFormat::png;
   if (extension == ".pgm") return ImageFormat::pgm;
   if (extension == ".ppm") return ImageFormat::ppm;
-  throw Error(path + ": the name must end in .png, .ppm or .pgm");
+  if (extension == ".pam") return ImageFormat::pam;
+  throw Error(path + ": the name must end in .png, .ppm, .pgm or .pam");
+}
+
+Image cmykToRgb(const Image& cmyk) {
+  Image rgb(cmyk.width, cmyk.height, 3);
+  const uint8_t* ink = cmyk.samples.data();
+  uint8_t* primary = rgb.samples.data();
+  for (const uint8_t* const end = primary + rgb.samples.size(); primary != end; ++ink) {
+    const int32_t light = 255 - ink[3];
+    for (int32_t i = 0; i < 3; ++i) *primary++ = static_cast<uint8_t>(((255 - *ink++) * light + 127) / 255);
+  }
+  return rgb;
 }
 
 void writeImage(const std::string& path, const Image& image) {
   const ImageFormat format = imageFormatOf(path);
+  if (image.channels == 4 && format != ImageFormat::pam) return writeImage(path, cmykToRgb(image));
   if (format == ImageFormat::pgm && image.channels != 1) throw Error(path + ": a colour image does not fit a PGM file");
   OutputFile file(path);
-  if (format == ImageFormat::png) {
-    writePng(image, file);
-  } else {
-    writePnm(image, format == ImageFormat::pgm ? 1 : 3, file);
+  switch (format) {
+    case ImageFormat::png:
+      writePng(image, file);
+      break;
+    case ImageFormat::pam:
+      writePam(image, file);
+      break;
+    case ImageFormat::pgm:
+    case ImageFormat::ppm:
+      writePnm(image, format == ImageFormat::pgm ? 1 : 3, file);
+      break;
   }
   file.commit();
 }

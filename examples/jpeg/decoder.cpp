@@ -5,14 +5,13 @@
 #include "common/error.h"
 #include "jpeg/codec.h"
 #include "jpeg/inverse_transform.h"
+#include "jpeg/lone_scan.h"
 #include "jpeg/marker_reader.h"
+#include "jpeg/parallel.h"
 #include "jpeg/scan_decoder.h"
 
 namespace examples::jpeg {
 namespace {
-
-// As many MCUs go through entropy decoding and transform at a time as stay in the nearest caches.
-constexpr int32_t kRunMcus = 32;
 
 // Sums up what is missing.
 class Damage {
@@ -37,23 +36,9 @@ class Damage {
   std::string problem_;
 };
 
-std::vector<DecodeTables> scanTables(const MarkerReader& reader) {
-  std::vector<DecodeTables> tables;
-  for (const ScanComponent& component : reader.scan()) {
-    tables.push_back({reader.dcSpec(component), reader.acSpec(component)});
-  }
-  return tables;
-}
-
-std::vector<size_t> scanComponents(const MarkerReader& reader) {
-  std::vector<size_t> components;
-  for (const ScanComponent& component : reader.scan()) components.push_back(component.component);
-  return components;
-}
-
 ScanDecoder startScan(const MarkerReader& reader, std::array<QuantTable, kMaxComponents>& quantTables) {
-  for (const size_t component : scanComponents(reader)) quantTables[component] = reader.quantTable(component);
-  return ScanDecoder(reader.file(), reader.position(), scanTables(reader), reader.restartInterval());
+  reader.takeQuantTables(quantTables);
+  return ScanDecoder(reader.file(), reader.position(), reader.scanTables(), reader.restartInterval());
 }
 
 void readFirstScan(MarkerReader& reader) {
@@ -61,8 +46,8 @@ void readFirstScan(MarkerReader& reader) {
 }
 
 // Reads on after a scan: true at another one. Damage of the headers from here on leaves what was decoded.
-bool nextScan(MarkerReader& reader, const ScanDecoder& done, Damage& damage) {
-  reader.resumeAt(done.end());
+bool nextScan(MarkerReader& reader, size_t endOfData, Damage& damage) {
+  reader.resumeAt(endOfData);
   try {
     return reader.nextScan();
   } catch (const Error& error) {
@@ -71,31 +56,9 @@ bool nextScan(MarkerReader& reader, const ScanDecoder& done, Damage& damage) {
   }
 }
 
-// A file whose one scan holds all components: no more than a run of MCUs is kept of its coefficients.
-DecodeReport decodeDirectly(MarkerReader& reader, Image& image) {
-  const Frame& frame = reader.frame();
-  std::array<QuantTable, kMaxComponents> quantTables{};
-  ScanDecoder scan = startScan(reader, quantTables);
-  InverseTransform transform(frame, quantTables, image);
-  McuArray run(frame, kRunMcus, 1);
-  const std::vector<McuBlock> inScan = interleavedMcu(frame, scanComponents(reader), run, 0, 0);
-  const std::vector<McuBlock> inFrame = interleavedMcu(frame, frame.allComponents(), run, 0, 0);
-  for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
-    for (int32_t column = 0; column < frame.mcusWide(); column += kRunMcus) {
-      const int32_t count = std::min(kRunMcus, frame.mcusWide() - column);
-      scan.decode(inScan, count);
-      transform.run(column, row, count, inFrame);
-    }
-  }
-  Damage damage;
-  damage.count(scan.lostMcus(), int64_t{frame.mcusWide()} * frame.mcusHigh());
-  if (nextScan(reader, scan, damage)) damage.note("a component is coded twice");
-  return damage.report();
-}
-
 // A scan into the coefficients of the whole image.
 void decodeScan(const MarkerReader& reader, ScanDecoder& scan, CoefficientImage& image, Damage& damage) {
-  const std::vector<size_t> components = scanComponents(reader);
+  const std::vector<size_t> components = reader.scanComponents();
   int32_t wide = image.frame.mcusWide();
   int32_t high = image.frame.mcusHigh();
   if (components.size() == 1) {
@@ -125,7 +88,7 @@ Damage decodeAllScans(MarkerReader& reader, CoefficientImage& image) {
   Damage damage;
   bool more = true;
   while (more) {
-    for (const size_t component : scanComponents(reader)) {
+    for (const size_t component : reader.scanComponents()) {
       if (coded[component]) {
         damage.note("a component is coded twice");
         return damage;
@@ -134,28 +97,53 @@ Damage decodeAllScans(MarkerReader& reader, CoefficientImage& image) {
     }
     ScanDecoder scan = startScan(reader, image.quantTables);
     decodeScan(reader, scan, image, damage);
-    more = nextScan(reader, scan, damage);
+    more = nextScan(reader, scan.end(), damage);
   }
   if (std::find(coded.begin(), coded.end(), false) != coded.end()) damage.note("a component is missing");
   return damage;
 }
 
-bool holdsAllComponents(const MarkerReader& reader) { return reader.scan().size() == reader.frame().components.size(); }
+DecodeReport decodeDirectly(MarkerReader& reader, const DecodeOptions& options, Image& image) {
+  const Frame& frame = reader.frame();
+  shapeImage(frame, options, image);
+  const LoneScanEnd end = decodeLoneScan(reader, options, image);
+  Damage damage;
+  damage.count(end.lostMcus, int64_t{frame.mcusWide()} * frame.mcusHigh());
+  if (nextScan(reader, end.position, damage)) damage.note("a component is coded twice");
+  return damage.report();
+}
+
+void check(const DecodeOptions& options) {
+  const int32_t scale = options.scale;
+  if (scale != 1 && scale != 2 && scale != 4 && scale != 8) throw Error("the scale must be 1, 1/2, 1/4 or 1/8");
+  if (options.threads < 1) throw Error("there must be at least one thread");
+}
+
+// The pixels of all coefficients, in strips.
+void toPixels(CoefficientImage& coefficients, const DecodeOptions& options, Image& image) {
+  const Frame& frame = coefficients.frame;
+  shapeImage(frame, options, image);
+  const int32_t strips = std::min(options.threads, frame.mcusHigh());
+  inParallel(strips, [&](int32_t strip) {
+    const int32_t first = stripStart(frame.mcusHigh(), strips, strip);
+    const int32_t end = stripStart(frame.mcusHigh(), strips, strip + 1);
+    InverseTransform transform(frame, coefficients.quantTables, options, first, image);
+    for (int32_t row = transform.firstNeeded(); row < end; ++row) {
+      transform.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), coefficients.mcus, 0, row));
+    }
+  });
+}
 
 }  // namespace
 
-DecodeReport decode(std::span<const uint8_t> jpeg, Image& image) {
+DecodeReport decode(std::span<const uint8_t> jpeg, const DecodeOptions& options, Image& image) {
+  check(options);
   MarkerReader reader(jpeg);
   readFirstScan(reader);
-  if (holdsAllComponents(reader)) return decodeDirectly(reader, image);
-
+  if (reader.scanHoldsAllComponents()) return decodeDirectly(reader, options, image);
   CoefficientImage coefficients;
   const Damage damage = decodeAllScans(reader, coefficients);
-  const Frame& frame = coefficients.frame;
-  InverseTransform transform(frame, coefficients.quantTables, image);
-  for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
-    transform.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), coefficients.mcus, 0, row));
-  }
+  toPixels(coefficients, options, image);
   return damage.report();
 }
 

@@ -15,18 +15,34 @@ namespace {
 // As many MCUs go through transform and entropy coding at a time as stay in the nearest caches.
 constexpr int32_t kRunMcus = 32;
 
-Frame frameFor(const Image& image, Sampling sampling) {
-  if (image.channels != 1 && image.channels != 3) throw Error("only grey and RGB images can be encoded");
+ColorCoding codingFor(const Image& image, const EncodeOptions& options) {
+  switch (image.channels) {
+    case 1:
+      return ColorCoding::grey;
+    case 3:
+      return options.convertColors ? ColorCoding::yCbCr : ColorCoding::rgb;
+    case 4:
+      return options.convertColors ? ColorCoding::ycck : ColorCoding::cmyk;
+    default:
+      throw Error("only grey, RGB and CMYK images can be encoded");
+  }
+}
+
+// Chroma has tables of its own and may have fewer samples.
+Frame frameFor(const Image& image, const EncodeOptions& options) {
+  const ColorCoding coding = codingFor(image, options);
   if (image.width < 1 || image.height < 1 || image.width > 65535 || image.height > 65535) {
     throw Error("width and height must be from 1 to 65535");
   }
-  Frame frame{image.width, image.height, {}, false};
-  frame.components.push_back({1, 1, 1, 0});
-  if (image.channels == 1) return frame;
-  frame.components[0].horizontal = sampling == Sampling::s444 ? 1 : 2;
-  frame.components[0].vertical = sampling == Sampling::s411 ? 2 : 1;
-  frame.components.push_back({2, 1, 1, 1});
-  frame.components.push_back({3, 1, 1, 1});
+  const bool hasChroma = coding == ColorCoding::yCbCr || coding == ColorCoding::ycck;
+  const bool halved = hasChroma && options.sampling != Sampling::s444;
+  const Component full = {0, halved ? 2 : 1, halved && options.sampling == Sampling::s420 ? 2 : 1, 0};
+  const Component chroma = {0, 1, 1, 1};
+  Frame frame{image.width, image.height, {}, coding, image.channels == 4};
+  for (int32_t c = 0; c < image.channels; ++c) {
+    frame.components.push_back(hasChroma && (c == 1 || c == 2) ? chroma : full);
+    frame.components.back().id = static_cast<uint8_t>(coding == ColorCoding::rgb ? "RGB"[c] : c + 1);
+  }
   return frame;
 }
 
@@ -42,10 +58,15 @@ std::array<RawQuantTable, 2> quantTables(int32_t quality) {
 
 void writeHeaders(const Frame& frame, std::span<const RawQuantTable> quant, int32_t restartInterval,
                   std::vector<uint8_t>& file) {
-  const size_t tables = frame.components.size() == 1 ? 1 : 2;
+  size_t tables = 1;
+  for (const Component& component : frame.components) tables = std::max(tables, component.quantTable + size_t{1});
   MarkerWriter writer(file);
   writer.marker(marker::SOI);
-  writer.jfif();
+  if (frame.coding == ColorCoding::grey || frame.coding == ColorCoding::yCbCr) {
+    writer.jfif();
+  } else {
+    writer.adobe(frame.coding == ColorCoding::ycck ? kAdobeYcck : kAdobeUnconverted);
+  }
   for (size_t i = 0; i < tables; ++i) writer.quantTable(static_cast<uint8_t>(i), quant[i]);
   writer.baselineFrame(frame);
   for (size_t i = 0; i < tables; ++i) {
@@ -56,10 +77,17 @@ void writeHeaders(const Frame& frame, std::span<const RawQuantTable> quant, int3
   writer.scan(frame);
 }
 
+// The tables of each component, out of those of luminance and chrominance.
+std::array<const uint8_t*, kMaxComponents> tablesOf(const Frame& frame, std::span<const RawQuantTable, 2> quant) {
+  std::array<const uint8_t*, kMaxComponents> tables{};
+  for (size_t c = 0; c < frame.components.size(); ++c) tables[c] = quant[frame.components[c].quantTable].data();
+  return tables;
+}
+
 }  // namespace
 
 void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_t>& jpeg) {
-  const Frame frame = frameFor(image, options.sampling);
+  const Frame frame = frameFor(image, options);
   const std::array<RawQuantTable, 2> quant = quantTables(options.quality);
   if (options.restartInterval < 0 || options.restartInterval > 65535) {
     throw Error("the restart interval must be from 0 to 65535");
@@ -67,12 +95,14 @@ void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_
   jpeg.clear();
   writeHeaders(frame, quant, options.restartInterval, jpeg);
 
-  ForwardTransform transform(image, frame, {quant[0].data(), quant[1].data(), quant[1].data()});
+  ForwardTransform transform(image, frame, tablesOf(frame, quant));
   const EncodeSpec dc[2] = {makeEncodeSpec(kDcHuffman[0]), makeEncodeSpec(kDcHuffman[1])};
   const EncodeSpec ac[2] = {makeEncodeSpec(kAcHuffman[0]), makeEncodeSpec(kAcHuffman[1])};
-  const EncodeTables luma{dc[0].get(), ac[0].get()};
-  const EncodeTables chroma{dc[1].get(), ac[1].get()};
-  ScanEncoder scan(jpeg, {luma, chroma, chroma}, options.restartInterval);
+  std::vector<EncodeTables> huffman;
+  for (const Component& component : frame.components) {
+    huffman.push_back({dc[component.quantTable].get(), ac[component.quantTable].get()});
+  }
+  ScanEncoder scan(jpeg, std::move(huffman), options.restartInterval);
 
   McuArray run(frame, kRunMcus, 1);
   const std::vector<McuBlock> blocks = interleavedMcu(frame, frame.allComponents(), run, 0, 0);
@@ -90,13 +120,14 @@ void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_
 
 CoefficientImage transform(const Image& image, const EncodeOptions& options) {
   CoefficientImage result;
-  result.frame = frameFor(image, options.sampling);
+  result.frame = frameFor(image, options);
   result.mcus = McuArray(result.frame, result.frame.mcusWide(), result.frame.mcusHigh());
   const std::array<RawQuantTable, 2> quant = quantTables(options.quality);
+  const std::array<const uint8_t*, kMaxComponents> tables = tablesOf(result.frame, quant);
   for (size_t c = 0; c < result.frame.components.size(); ++c) {
-    zoriQuantInvTableInit_JPEG_8u16u(quant[c == 0 ? 0 : 1].data(), result.quantTables[c].data());
+    zoriQuantInvTableInit_JPEG_8u16u(tables[c], result.quantTables[c].data());
   }
-  ForwardTransform forward(image, result.frame, {quant[0].data(), quant[1].data(), quant[1].data()});
+  ForwardTransform forward(image, result.frame, tables);
   const std::vector<size_t> components = result.frame.allComponents();
   for (int32_t row = 0; row < result.frame.mcusHigh(); ++row) {
     forward.run(0, row, result.frame.mcusWide(), interleavedMcu(result.frame, components, result.mcus, 0, row));

@@ -1,4 +1,6 @@
 // zorjpeg: encodes and decodes JPEG files.
+#include <zorcore.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <map>
@@ -19,8 +21,9 @@ enum ExitCode { kDone = 0, kFailed = 1, kBadCommandLine = 2, kIncomplete = 3 };
 
 constexpr const char* kFooter =
     "Examples:\n"
-    "  zorjpeg encode photo.png photo.jpg --quality 85 --sampling 411\n"
-    "  zorjpeg decode photo.jpg photo.ppm\n\n"
+    "  zorjpeg encode photo.png photo.jpg --quality 85 --sampling 420\n"
+    "  zorjpeg decode photo.jpg photo.ppm\n"
+    "  zorjpeg decode photo.jpg thumbnail.png --scale 1/8\n\n"
     "Exit status:\n"
     "  0  done\n"
     "  1  failed; there is no output file\n"
@@ -42,13 +45,14 @@ int encodeFile(const Paths& paths, const jpeg::EncodeOptions& options) {
   return kDone;
 }
 
-int decodeFile(const Paths& paths) {
+int decodeFile(const Paths& paths, const jpeg::DecodeOptions& options) {
   examples::imageFormatOf(paths.output);  // refuses a bad name before the work
   const std::vector<uint8_t> bytes = examples::readFile(paths.input);
   Image image;
   jpeg::DecodeReport report;
+  zorSetNumThreads(1);  // the decoder has threads of its own
   try {
-    report = jpeg::decode(bytes, image);
+    report = jpeg::decode(bytes, options, image);
   } catch (const Error& error) {
     throw Error(paths.input + ": " + error.what());
   }
@@ -58,20 +62,34 @@ int decodeFile(const Paths& paths) {
   return kIncomplete;
 }
 
+// An option whose values have names.
+template <class Value>
+void addChoice(CLI::App& command, const std::string& name, Value& value, const std::map<std::string, Value>& choices,
+               const std::string& description) {
+  command
+      .add_option_function<std::string>(
+          name, [&value, choices](const std::string& choice) { value = choices.at(choice); }, description)
+      ->option_text("NAME")
+      ->check(CLI::IsMember(choices));
+}
+
 void describeEncode(CLI::App& command, Paths& paths, jpeg::EncodeOptions& options) {
-  command.add_option("input", paths.input, "PNG, PPM or PGM file")->required()->option_text(" ");
+  command.add_option("input", paths.input, "PNG, PPM, PGM or PAM file")->required()->option_text(" ");
   command.add_option("output", paths.output, "JPEG file to write")->required()->option_text(" ");
   command.add_option("--quality", options.quality, "1 (smallest file) to 100 (best picture); 90 if not given")
       ->option_text("N")
       ->check(CLI::Range(1, 100));
-  static const std::map<std::string, jpeg::Sampling> samplings = {
-      {"444", jpeg::Sampling::s444}, {"422", jpeg::Sampling::s422}, {"411", jpeg::Sampling::s411}};
-  command
-      .add_option_function<std::string>(
-          "--sampling", [&options](const std::string& name) { options.sampling = samplings.at(name); },
-          "444 (if not given), 422 or 411: a chroma sample\nfor each pixel, for 2 x 1 pixels, or for 2 x 2")
-      ->option_text("S")
-      ->check(CLI::IsMember(samplings));
+  addChoice<jpeg::Sampling>(
+      command, "--sampling", options.sampling,
+      {{"444", jpeg::Sampling::s444},
+       {"422", jpeg::Sampling::s422},
+       {"420", jpeg::Sampling::s420},
+       {"411", jpeg::Sampling::s420}},
+      "444 (if not given), 422 or 420: a chroma sample\nfor each pixel, for 2 x 1 pixels, or for 2 x 2;\n"
+      "411, the library's name for it, means 420 too");
+  command.add_flag_callback(
+      "--no-conversion", [&options] { options.convertColors = false; },
+      "code RGB or CMYK as it is, not as YCbCr or YCCK:\na larger file; it is always 444");
   command
       .add_option("--restart", options.restartInterval,
                   "write a restart marker every N MCUs, which limits\nwhat damage to the file destroys")
@@ -79,11 +97,24 @@ void describeEncode(CLI::App& command, Paths& paths, jpeg::EncodeOptions& option
       ->check(CLI::Range(0, 65535));
 }
 
-void describeDecode(CLI::App& command, Paths& paths) {
+void describeDecode(CLI::App& command, Paths& paths, jpeg::DecodeOptions& options) {
   command.add_option("input", paths.input, "baseline JPEG file")->required()->option_text(" ");
-  command.add_option("output", paths.output, "file to write: its name ends in .png, .ppm or .pgm")
+  command
+      .add_option("output", paths.output,
+                  "file to write: its name ends in .png, .ppm, .pgm\nor .pam; CMYK stays CMYK in a PAM file, and is\n"
+                  "multiplied out to RGB in others: without colour\nmanagement, (255 - ink) (255 - K) / 255")
       ->required()
       ->option_text(" ");
+  addChoice<jpeg::Upsampling>(command, "--upsample", options.upsampling,
+                              {{"triangle", jpeg::Upsampling::triangle}, {"box", jpeg::Upsampling::box}},
+                              "triangle (if not given): interpolate chroma that\nseveral pixels share; box: repeat it");
+  addChoice<int32_t>(command, "--scale", options.scale, {{"1", 1}, {"1/2", 2}, {"1/4", 4}, {"1/8", 8}},
+                     "1 (if not given), 1/2, 1/4 or 1/8 of the width\nand height");
+  command
+      .add_option("--threads", options.threads,
+                  "threads to use; one for each processor if not\ngiven; the result does not depend on it")
+      ->option_text("N")
+      ->check(CLI::Range(1, 1024));
 }
 
 int run(int argc, char** argv) {
@@ -91,11 +122,13 @@ int run(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(kFooter);
   Paths paths;
-  jpeg::EncodeOptions options;
-  CLI::App* const encodeCommand = app.add_subcommand("encode", "Make a JPEG file of a PNG, PPM or PGM file");
-  CLI::App* const decodeCommand = app.add_subcommand("decode", "Make a PNG, PPM or PGM file of a JPEG file");
-  describeEncode(*encodeCommand, paths, options);
-  describeDecode(*decodeCommand, paths);
+  jpeg::EncodeOptions encodeOptions;
+  jpeg::DecodeOptions decodeOptions;
+  decodeOptions.threads = ownGetNumThreads();
+  CLI::App* const encodeCommand = app.add_subcommand("encode", "Make a JPEG file of a PNG, PPM, PGM or PAM file");
+  CLI::App* const decodeCommand = app.add_subcommand("decode", "Make a PNG, PPM, PGM or PAM file of a JPEG file");
+  describeEncode(*encodeCommand, paths, encodeOptions);
+  describeDecode(*decodeCommand, paths, decodeOptions);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -103,7 +136,7 @@ int run(int argc, char** argv) {
     std::fprintf(stderr, "zorjpeg: %s\n", error.what());
     return kBadCommandLine;
   }
-  return encodeCommand->parsed() ? encodeFile(paths, options) : decodeFile(paths);
+  return encodeCommand->parsed() ? encodeFile(paths, encodeOptions) : decodeFile(paths, decodeOptions);
 }
 
 }  // namespace

@@ -170,7 +170,8 @@ void MarkerReader::readFrame(ByteReader in) {
   if (frame_.height == 0) throw Error("the height is missing or given only after the scan, which is not supported");
   if (frame_.width == 0) throw Error("the width is missing");
   const size_t count = in.byte();
-  if (count != 1 && count != 3) throw Error("images of " + std::to_string(count) + " components are not supported");
+  if (count != 1 && count != 3 && count != 4)
+    throw Error("images of " + std::to_string(count) + " components are not supported");
   std::vector<Component> components(count);
   for (Component& component : components) {
     component.id = in.byte();
@@ -216,28 +217,42 @@ void MarkerReader::readScan(ByteReader in) {
   findColorCoding();
 }
 
-// JFIF files are YCbCr; Adobe's marker says what it is; without either, the component names may tell.
+// Three components are YCbCr in JFIF files; Adobe's marker says what they are; without either, their names may tell.
+// Four components are CMYK unless Adobe's marker says YCCK, and the programs that write it store all inks inverted.
 void MarkerReader::findColorCoding() {
   const std::vector<Component>& components = frame_.components;
-  if (components.size() != 3 || jfif_) return;
-  frame_.rgbCoded = adobeTransform_ ? *adobeTransform_ == 0
-                                    : components[0].id == 'R' && components[1].id == 'G' && components[2].id == 'B';
+  if (components.size() == 3) {
+    const bool named = components[0].id == 'R' && components[1].id == 'G' && components[2].id == 'B';
+    const bool rgb = !jfif_ && (adobeTransform_ ? *adobeTransform_ == 0 : named);
+    frame_.coding = rgb ? ColorCoding::rgb : ColorCoding::yCbCr;
+  } else if (components.size() == 4) {
+    frame_.coding = adobeTransform_.value_or(0) == 0 ? ColorCoding::cmyk : ColorCoding::ycck;
+    frame_.inverted = adobeTransform_.has_value();
+  }
 }
 
-const QuantTable& MarkerReader::quantTable(size_t component) const {
-  const std::optional<QuantTable>& table = quant_[frame_.components[component].quantTable];
-  if (!table) throw Error("a quantisation table is missing");
-  return *table;
+std::vector<size_t> MarkerReader::scanComponents() const {
+  std::vector<size_t> components;
+  for (const ScanComponent& component : scan_) components.push_back(component.component);
+  return components;
 }
 
-const HuffmanDecodeSpec* MarkerReader::dcSpec(const ScanComponent& component) const {
-  if (!dc_[component.dcTable]) throw Error("a Huffman table is missing");
-  return dc_[component.dcTable].get();
+std::vector<DecodeTables> MarkerReader::scanTables() const {
+  std::vector<DecodeTables> tables;
+  for (const ScanComponent& component : scan_) {
+    const DecodeTables ofComponent{dc_[component.dcTable].get(), ac_[component.acTable].get()};
+    if (!ofComponent.dc || !ofComponent.ac) throw Error("a Huffman table is missing");
+    tables.push_back(ofComponent);
+  }
+  return tables;
 }
 
-const HuffmanDecodeSpec* MarkerReader::acSpec(const ScanComponent& component) const {
-  if (!ac_[component.acTable]) throw Error("a Huffman table is missing");
-  return ac_[component.acTable].get();
+void MarkerReader::takeQuantTables(std::array<QuantTable, kMaxComponents>& tables) const {
+  for (const ScanComponent& component : scan_) {
+    const std::optional<QuantTable>& table = quant_[frame_.components[component.component].quantTable];
+    if (!table) throw Error("a quantisation table is missing");
+    tables[component.component] = *table;
+  }
 }
 
 }  // namespace examples::jpeg

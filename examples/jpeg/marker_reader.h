@@ -14,12 +14,6 @@ namespace examples::jpeg {
 
 class ByteReader;
 
-struct ScanComponent {
-  size_t component;  // index in the frame
-  uint8_t dcTable;   // 0 to 3
-  uint8_t acTable;
-};
-
 class MarkerReader {
  public:
   // Throws Error if the file does not begin as a JPEG file does.
@@ -36,14 +30,21 @@ class MarkerReader {
   std::span<const uint8_t> file() const { return file_; }
   const Frame& frame() const { return frame_; }
   int32_t restartInterval() const { return restartInterval_; }
-  const std::vector<ScanComponent>& scan() const { return scan_; }
+  bool scanHoldsAllComponents() const { return scan_.size() == frame_.components.size(); }
 
-  // The tables as they stand before the scan; Error for one that the file has not defined.
-  const QuantTable& quantTable(size_t component) const;
-  const HuffmanDecodeSpec* dcSpec(const ScanComponent& component) const;
-  const HuffmanDecodeSpec* acSpec(const ScanComponent& component) const;
+  // The scan's components: their places in the frame, and their tables as they stand before the scan. Error for a table
+  // that the file has not defined.
+  std::vector<size_t> scanComponents() const;
+  std::vector<DecodeTables> scanTables() const;
+  void takeQuantTables(std::array<QuantTable, kMaxComponents>& tables) const;
 
  private:
+  struct ScanComponent {
+    size_t component;  // index in the frame
+    uint8_t dcTable;   // 0 to 3
+    uint8_t acTable;
+  };
+
   uint8_t nextMarker();
   ByteReader segment();
   void readTablesOrFrame(uint8_t code);

@@ -26,6 +26,14 @@ void MarkerWriter::jfif() {
   file_.insert(file_.end(), std::begin(payload), std::end(payload));
 }
 
+void MarkerWriter::adobe(uint8_t transform) {
+  // Version 100, no flags.
+  constexpr uint8_t payload[] = {'A', 'd', 'o', 'b', 'e', 0, 100, 0, 0, 0, 0};
+  segment(marker::APP14, sizeof payload + 1);
+  file_.insert(file_.end(), std::begin(payload), std::end(payload));
+  byte(transform);
+}
+
 void MarkerWriter::quantTable(uint8_t destination, std::span<const uint8_t, 64> zigzag) {
   segment(marker::DQT, 65);
   byte(destination);
@@ -60,9 +68,9 @@ void MarkerWriter::restartInterval(int32_t mcus) {
 void MarkerWriter::scan(const Frame& frame) {
   segment(marker::SOS, 4 + 2 * frame.components.size());
   byte(static_cast<int32_t>(frame.components.size()));
-  for (size_t i = 0; i < frame.components.size(); ++i) {
-    byte(frame.components[i].id);
-    byte(i == 0 ? 0x00 : 0x11);
+  for (const Component& component : frame.components) {
+    byte(component.id);
+    byte(component.quantTable << 4 | component.quantTable);
   }
   byte(0);  // the band of coefficients 0 to 63
   byte(63);

@@ -10,6 +10,10 @@
 
 namespace examples::jpeg {
 
+// What Adobe's marker says of the components.
+constexpr uint8_t kAdobeUnconverted = 0;  // RGB or CMYK
+constexpr uint8_t kAdobeYcck = 2;
+
 class MarkerWriter {
  public:
   // Appends to `file`.
@@ -17,11 +21,12 @@ class MarkerWriter {
 
   void marker(uint8_t code);
   void jfif();
+  void adobe(uint8_t transform);
   void quantTable(uint8_t destination, std::span<const uint8_t, 64> zigzag);
   void baselineFrame(const Frame& frame);
   void huffmanTable(bool ac, uint8_t destination, const HuffmanLists& lists);
   void restartInterval(int32_t mcus);
-  // The sequential scan of all components: the first uses the tables 0, the others the tables 1.
+  // The sequential scan of all components, each with the Huffman tables of its quantisation table's number.
   void scan(const Frame& frame);
 
  private:

@@ -1,19 +1,36 @@
 #include "jpeg/scan_decoder.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "jpeg/markers.h"
 
 namespace examples::jpeg {
 
+std::vector<size_t> restartSegments(std::span<const uint8_t> file, size_t position, int64_t segments) {
+  std::vector<size_t> starts = {position};
+  for (size_t at = position; at + 1 < file.size() && static_cast<int64_t>(starts.size()) <= segments; ++at) {
+    const void* const found = std::memchr(file.data() + at, 0xff, file.size() - 1 - at);
+    if (!found) break;
+    at = static_cast<size_t>(static_cast<const uint8_t*>(found) - file.data());
+    const uint8_t code = file[at + 1];
+    if (code == 0x00 || code == 0xff) continue;
+    if (code != marker::RST0 + (starts.size() - 1) % 8) break;
+    starts.push_back(at + 2);
+  }
+  if (static_cast<int64_t>(starts.size()) != segments) starts.clear();
+  return starts;
+}
+
 ScanDecoder::ScanDecoder(std::span<const uint8_t> file, size_t position, std::vector<DecodeTables> tables,
-                         int32_t restartInterval)
+                         int32_t restartInterval, int64_t segment)
     : file_(file),
       tables_(std::move(tables)),
       length_(static_cast<int32_t>(file.size())),
       position_(static_cast<int32_t>(position)),
       restartInterval_(restartInterval),
-      untilRestart_(restartInterval) {
+      untilRestart_(restartInterval),
+      restartNumber_(static_cast<int32_t>(segment % 8)) {
   // Where a file is cut after 0xFF, that byte says nothing, but the bits before it are worth decoding.
   while (length_ > position_ && file[static_cast<size_t>(length_ - 1)] == 0xff) --length_;
 }

@@ -10,17 +10,16 @@
 
 namespace examples::jpeg {
 
-// The tables that one component of a scan is coded with.
-struct DecodeTables {
-  const HuffmanDecodeSpec* dc;
-  const HuffmanDecodeSpec* ac;
-};
+// Where each restart segment of a scan's data starts; empty unless they are as many as there should be, and their
+// markers all in order. Such segments can be decoded independently, however damaged their inside is.
+std::vector<size_t> restartSegments(std::span<const uint8_t> file, size_t position, int64_t segments);
 
 class ScanDecoder {
  public:
-  // The scan's data starts at this byte of the file. One entry of `tables` for each component of the scan.
-  ScanDecoder(std::span<const uint8_t> file, size_t position, std::vector<DecodeTables> tables,
-              int32_t restartInterval);
+  // The scan's data, or its restart segment of this number, starts at this byte of the file. One entry of `tables` for
+  // each component of the scan.
+  ScanDecoder(std::span<const uint8_t> file, size_t position, std::vector<DecodeTables> tables, int32_t restartInterval,
+              int64_t segment = 0);
 
   // Decodes the next `count` MCUs, each of these blocks. What is lost to damage becomes zero, up to the next restart
   // marker that fits.
@@ -43,8 +42,8 @@ class ScanDecoder {
   int32_t marker_ = 0;
   int32_t restartInterval_;
   int32_t untilRestart_;
-  int32_t restartNumber_ = 0;
-  bool lost_ = false;  // the rest up to the next restart marker cannot be decoded
+  int32_t restartNumber_;  // of the marker that comes next
+  bool lost_ = false;      // the rest up to the next restart marker cannot be decoded
   int64_t lostMcus_ = 0;
   DecodeState state_ = makeDecodeState();
   int16_t lastDc_[kMaxComponents] = {};

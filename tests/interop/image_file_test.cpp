@@ -37,6 +37,31 @@ TEST(ImageFile, ReadsPnmHeaders) {
   }
 }
 
+TEST(ImageFile, ReadsAndWritesPam) {
+  const Image cmyk = readBytes("P7\n# ink\nWIDTH 1\nHEIGHT 2\nDEPTH 4\nMAXVAL 255\nTUPLTYPE CMYK\nENDHDR\nabcd#fgh");
+  EXPECT_EQ(cmyk.samples, (std::vector<uint8_t>{'a', 'b', 'c', 'd', '#', 'f', 'g', 'h'}));
+  for (const int32_t channels : {1, 3, 4}) {
+    const std::string path = temporary("written.pam");
+    examples::writeImage(path, picture(5, 3, channels));
+    EXPECT_EQ(examples::readImage(path).channels, channels);
+    EXPECT_EQ(examples::readImage(path).samples, picture(5, 3, channels).samples);
+    std::filesystem::remove(path);
+  }
+  const std::string start = "P7\nWIDTH 1\nHEIGHT 1\nMAXVAL 255\n";
+  for (const char* bad : {"", "DEPTH 4\nENDHDR\nabcd", "DEPTH 4\nTUPLTYPE RGB_ALPHA\nENDHDR\nabcd",
+                          "DEPTH 3\nTUPLTYPE CMYK\nENDHDR\nabcd", "DEPTH 4\nTUPLTYPE CMYK\nENDHDR\nabc",
+                          "DEPTH 4\nTUPLTYPE CMYK\nCOLOR 1\nENDHDR\nabcd", "DEPTH 2\nTUPLTYPE \nENDHDR\nab"}) {
+    EXPECT_THROW(readBytes(start + bad), std::runtime_error) << bad;
+  }
+}
+
+TEST(ImageFile, MultipliesInksOut) {
+  Image cmyk(4, 1, 4);
+  cmyk.samples = {0, 0, 0, 0, 255, 0, 100, 0, 10, 20, 30, 255, 0, 51, 255, 55};
+  EXPECT_EQ(examples::cmykToRgb(cmyk).samples,
+            (std::vector<uint8_t>{255, 255, 255, 0, 255, 155, 0, 0, 0, 200, 160, 0}));
+}
+
 // One row of samples of a PNG of the given sort; the palette is red, green, blue, and green is transparent.
 std::vector<uint8_t> readPngRow(int colorType, int depth, uint32_t width, std::vector<uint8_t> row) {
   const std::string path = temporary("sort.png");
