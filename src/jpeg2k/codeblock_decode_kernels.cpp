@@ -66,7 +66,7 @@ class Pass {
           candidates |= (StripeMap::laterNeighbours(bit & 3) << bit) & insignificant;
         }
       }
-      cell.visited = visited;
+      cell.visited |= visited;
     });
     return coded_;
   }

@@ -119,22 +119,52 @@ class Encoder {
 
 inline constexpr RoiSize kLargest = {70, 70};
 
-inline Samples decode(const EncodedBlock& coded, const BlockCase& block, int passes, const std::vector<uint8_t>& bytes,
-                      const std::vector<int>& lengths, StatusCode expected, uint32_t flags) {
-  int32_t stateBytes;
-  EXPECT_EQ(zoriDecodeGetBufSize_JPEG2K(block.size, &stateBytes), StatusOk);
-  std::vector<uint8_t> state(static_cast<size_t>(stateBytes));
-  Samples samples(block.sampleCount());
-  std::vector<int> noneMissing = lengths;
-  noneMissing.push_back(0);
-  const uint8_t nothing = 0;
-  EXPECT_EQ(zoriDecodeCodeBlock_JPEG2K_1u32s_C1R(bytes.empty() ? &nothing : bytes.data(), samples.data(),
-                                                 block.size.width * 4, block.size, block.subband, coded.planes, passes,
-                                                 noneMissing.data(), static_cast<int32_t>(lengths.size()), flags,
-                                                 nullptr, state.data()),
-            expected)
-      << block.name();
-  return samples;
+// What the one-shot decoder is called with.
+struct Coded {
+  std::vector<uint8_t> codeword;
+  std::vector<int> segmentLengths;
+  RoiSize size;
+  int32_t subband;
+  int planes;
+  int passes;
+};
+inline Coded codedBlock(const BlockCase& block, const EncodedBlock& encoded) {
+  return {encoded.codeword, encoded.segmentLengths, block.size, block.subband, encoded.planes, encoded.passes};
+}
+
+// Decodes with every byte that the decoder may touch next to an inaccessible page, at odd addresses. `before` is what
+// the destination holds.
+inline reference::DecodedBlock decode(const Coded& coded, uint32_t flags, const Samples& before) {
+  const auto width = static_cast<size_t>(coded.size.width), height = static_cast<size_t>(coded.size.height);
+  const size_t step = width * 4 + 5;
+  int32_t stateBytes, errorPlane = -77;
+  EXPECT_EQ(zoriDecodeGetBufSize_JPEG2K(coded.size, &stateBytes), StatusOk);
+  const GuardedMemory state(static_cast<size_t>(stateBytes), Placement::kAtEnd);
+  std::memset(state.data(), 0xA5, state.size());
+  const GuardedMemory source(std::max(coded.codeword.size(), size_t{1}), Placement::kAtEnd);
+  std::ranges::copy(coded.codeword, source.data());
+  const GuardedMemory rows(step * height - 5, Placement::kAtEnd);
+  std::memset(rows.data(), 0x5A, rows.size());
+  for (size_t y = 0; y < height; ++y) std::memcpy(rows.data() + y * step, before.data() + y * width, width * 4);
+  std::vector<int> lengths = coded.segmentLengths;
+  lengths.push_back(0);
+
+  reference::DecodedBlock result;
+  result.status = zoriDecodeCodeBlock_JPEG2K_1u32s_C1R(
+      source.data(), reinterpret_cast<int32_t*>(rows.data()), static_cast<int32_t>(step), coded.size, coded.subband,
+      coded.planes, coded.passes, lengths.data(), static_cast<int32_t>(coded.segmentLengths.size()), flags, &errorPlane,
+      state.data());
+  if (errorPlane != -77) result.errorPlane = errorPlane;
+  result.samples.resize(width * height);
+  for (size_t y = 0; y < height; ++y) {
+    std::memcpy(result.samples.data() + y * width, rows.data() + y * step, width * 4);
+    if (y == 0) continue;
+    EXPECT_TRUE(std::all_of(rows.data() + y * step - 5, rows.data() + y * step, [](int byte) { return byte == 0x5A; }));
+  }
+  return result;
+}
+inline reference::DecodedBlock decode(const Coded& coded, uint32_t flags) {
+  return decode(coded, flags, Samples(static_cast<size_t>(coded.size.width) * static_cast<size_t>(coded.size.height)));
 }
 
 }  // namespace zorj::test

@@ -436,7 +436,7 @@ inline DecodedBlock decodeBlock(const CodedBytes& codeword, RoiSize size, int su
   for (const int length : segmentLengths) {
     result.status = decoder.step(codeword.data() + position, length);
     if (result.status != StatusOk) break;
-    position += static_cast<size_t>(length);
+    position += static_cast<size_t>(std::max(length, 0));
   }
   result.samples = decoder.samples();
   const uint32_t known = decoder.plane < 1 ? ~0u : ~((1u << decoder.plane) - 1);

@@ -142,10 +142,12 @@ class MqEncoderModel {
   int ct_ = 12;
 };
 
+// The code register holds the complement of the standard's: so does the library's, which shows where corrupt data lead
+// it out of the interval.
 class MqDecoderModel {
  public:
   MqDecoderModel(const uint8_t* data, int length) : data_(data), length_(length) {
-    c_ = byte(0) << 16;
+    c_ = (byte(0) ^ 0xFF) << 16;
     byteIn();
     c_ <<= 7;
     ct_ -= 7;
@@ -155,29 +157,32 @@ class MqDecoderModel {
     const uint32_t qe = static_cast<uint32_t>(MqTable::qe[context.state]);
     a_ -= qe;
     bool lps;
-    if (c_ >> 16 < qe) {
-      lps = a_ >= qe;
-      a_ = qe;
-    } else {
-      c_ -= qe << 16;
+    if (c_ >> 16 < a_) {
       if ((a_ & 0x8000) != 0) return context.mps;
       lps = a_ < qe;
+    } else {
+      c_ -= a_ << 16;
+      lps = a_ >= qe;
+      a_ = qe;
     }
     const int bit = lps ? 1 - context.mps : context.mps;
     context.adapt(lps);
-    do shift();
-    while ((a_ & 0x8000) == 0);
+    do {
+      if (ct_ == 0) byteIn();
+      a_ <<= 1;
+      c_ <<= 1;
+      --ct_;
+    } while ((a_ & 0x8000) == 0);
     return bit;
   }
 
-  // Whether a predictable termination may have left this. The rule speaks of the register's complement in the interval.
+  // Whether a predictable termination may have left this.
   bool endsPredictably() const {
     if (!marker_ && (byte(position_) < 0xFF || ct_ != 0)) return false;
     if (ct_ == 1) return true;
     if (!marker_ && byte(position_ + 1) < 0x90) return false;
-    const uint32_t complement = (a_ << 16) - (1u << (16 - ct_)) - c_;
     const int counter = ct_ == 0 ? 8 : ct_;
-    return a_ - (0x8000u >> (counter - 1)) <= complement >> 16;
+    return a_ - (0x8000u >> (counter - 1)) <= c_ >> 16;
   }
 
  private:
@@ -188,20 +193,12 @@ class MqDecoderModel {
     ct_ = 8;
     if (marker_ || (byte(position_) == 0xFF && next > 0x8F)) {
       marker_ = true;
-      c_ += 0xFF00;
     } else if (byte(position_++) == 0xFF) {
-      c_ += next << 9;
+      c_ += 0xFE00 - (next << 9);
       ct_ = 7;
     } else {
-      c_ += next << 8;
+      c_ += 0xFF00 - (next << 8);
     }
-  }
-
-  void shift() {
-    if (ct_ == 0) byteIn();
-    a_ <<= 1;
-    c_ <<= 1;
-    --ct_;
   }
 
   const uint8_t* data_;
