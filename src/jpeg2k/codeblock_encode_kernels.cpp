@@ -207,7 +207,19 @@ Decision* rawRefinement(ModelledBlock& block, Decision* decisions) {
 void encode(const Decision* decisions, const Decision* end, MqContexts& contexts, MqEncoder& encoder) {
   MqEncoder local = encoder;
   MqContexts states = contexts;
-  for (; decisions != end; ++decisions) local.encode(states[*decisions >> 1], *decisions & 1);
+  uint32_t index = *decisions >> 1;
+  MqContext context = states[index];
+  // A context is loaded while the decision before is coded: two in a row that share it must not wait for its way
+  // through memory. There is a decision to look at behind the last one.
+  while (decisions != end) {
+    const uint32_t decision = *decisions & 1;
+    const uint32_t nextIndex = *++decisions >> 1;
+    const MqContext next = states[nextIndex];
+    const MqContext after = local.encode(context, decision);
+    states[index] = after;
+    context.word = selectIfNegative((nextIndex ^ index) - 1, after.word, next.word);
+    index = nextIndex;
+  }
   contexts = states;
   encoder = local;
 }
