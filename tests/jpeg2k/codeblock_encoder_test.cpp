@@ -1,3 +1,5 @@
+#include <zorcore.h>
+
 #include "jpeg2k/codeblock_cases.h"
 #include "support/arguments.h"
 
@@ -251,6 +253,15 @@ TEST(CodeBlockEncoder, AllocationFailsCleanly) {
     EXPECT_EQ(zoriEncodeInitAlloc_JPEG2K(&state, size), StatusNoMemory);
     EXPECT_EQ(state, nullptr);
   }
+  const ZorAllocator none = {[](size_t, size_t, void*) -> void* { return nullptr; }, [](void*, void*) {}, nullptr};
+  auto* decoder = reinterpret_cast<J2kDecodeState*>(1);
+  zorSetAllocator(&none);
+  state = reinterpret_cast<J2kEncodeState*>(1);
+  EXPECT_EQ(zoriEncodeInitAlloc_JPEG2K(&state, {64, 64}), StatusNoMemory);
+  EXPECT_EQ(zoriDecodeCBProgrInitAlloc_JPEG2K(&decoder, {64, 64}), StatusNoMemory);
+  zorSetAllocator(nullptr);
+  EXPECT_EQ(state, nullptr);
+  EXPECT_EQ(decoder, nullptr);
 }
 
 TEST(CodeBlockEncoder, FreeDoesNotLookAtTheMark) {
