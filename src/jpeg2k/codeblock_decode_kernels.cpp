@@ -8,6 +8,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "core/simd-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace zorj::HWY_NAMESPACE {
 namespace {
@@ -27,9 +29,9 @@ uint32_t withMidpoint(uint32_t bit, int32_t plane) {
 // How the decisions of a pass are coded.
 struct MqCoded {
   MqDecoder mq;
-  MqContexts& contexts;
-  [[gnu::always_inline]] uint32_t decide(uint32_t context) { return mq.decode(contexts[context]); }
-  uint32_t sign(ColumnWord word, uint32_t row) {
+  MqContexts* contexts;
+  [[gnu::always_inline]] uint32_t decide(uint32_t context) { return mq.decode((*contexts)[context]); }
+  [[gnu::always_inline]] uint32_t sign(ColumnWord word, uint32_t row) {
     const uint32_t entry = kSignCodingTable[word.signs(row)];
     return decide(entry & 0x7F) ^ entry >> 7;
   }
@@ -54,73 +56,31 @@ class Pass {
   const Coded& significance() {
     forEachCell([this](Cell& cell, int32_t stripe, int32_t index) {
       const CellBits insignificant = map_.existing(stripe, index) & ~cell.significant;
-      CellBits candidates = map_.template neighbourhood<kCausal>(stripe, index) & insignificant;
-      CellBits visited = 0;
-      while (candidates != 0) {
-        const auto bit = static_cast<uint32_t>(std::countr_zero(candidates));
-        const CellBits sample = CellBits{1} << bit;
-        visited |= sample;
-        candidates ^= sample;
-        if (decideSignificance(bit)) {
-          cell.significant |= sample;
-          candidates |= (StripeMap::laterNeighbours(bit & 3) << bit) & insignificant;
-        }
-      }
-      cell.visited |= visited;
+      const CellBits candidates = map_.template neighbourhood<kCausal>(stripe, index) & insignificant;
+      if (candidates != 0) decodeSignificance(cell, candidates, insignificant);
     });
     return coded_;
   }
 
   const Coded& refinement() {
-    const uint32_t kept = kSign | (block_.plane < 31 ? bitsFrom(block_.plane + 1) : 0);
-    const uint32_t refined[2] = {withMidpoint(0, block_.plane), withMidpoint(1, block_.plane)};
-    forEachCell([&](Cell& cell, int32_t stripe, int32_t index) {
-      CellBits members = cell.significant & ~cell.visited;
+    forEachCell([this](Cell& cell, int32_t stripe, int32_t index) {
+      const CellBits members = cell.significant & ~cell.visited;
       if (members == 0) return;
       const CellBits before = cell.refined;
-      const CellBits known = before | map_.template neighbourhood<kCausal>(stripe, index);
       cell.refined = before | members;
-      while (members != 0) {
-        const auto bit = static_cast<uint32_t>(std::countr_zero(members));
-        members &= members - 1;
-        const auto context = static_cast<uint32_t>(kFirstRefinementContext + (known >> bit & 1) + (before >> bit & 1));
-        uint32_t* const at = sampleAt(bit);
-        const uint32_t value = loadUnaligned(at);
-        storeUnaligned(at, (value & kept) | refined[coded_.decide(context)]);
-      }
+      decodeRefinement(members, before, before | map_.template neighbourhood<kCausal>(stripe, index));
     });
     return coded_;
   }
 
   const Coded& cleanup() {
     forEachCell([this](Cell& cell, int32_t stripe, int32_t index) {
-      const CellBits insignificant = map_.existing(stripe, index) & ~cell.significant;
-      CellBits members = insignificant & ~cell.visited;
-      if (members == 0) {
-        cell.visited = 0;
-        return;
-      }
-      // What keeps a column from being coded as a run.
-      CellBits busy = map_.isFull(stripe)
-                          ? map_.template neighbourhood<kCausal>(stripe, index) | cell.significant | cell.visited
-                          : ~CellBits{0};
-      while (members != 0) {
-        auto bit = static_cast<uint32_t>(std::countr_zero(members));
-        if ((bit & 3) == 0 && (busy >> bit & 15) == 0) {
-          if (!coded_.decide(kRunLengthContext)) {
-            members &= ~(CellBits{15} << bit);
-            continue;
-          }
-          const uint32_t high = coded_.decide(kUniformContext);
-          bit += 2 * high + coded_.decide(kUniformContext);
-          becomeSignificant(bit);
-        } else if (!decideSignificance(bit)) {
-          members &= members - 1;
-          continue;
-        }
-        members &= ~CellBits{1} << bit;
-        cell.significant |= CellBits{1} << bit;
-        busy |= StripeMap::laterNeighbours(bit & 3) << bit;
+      const CellBits members = map_.existing(stripe, index) & ~cell.significant & ~cell.visited;
+      if (members != 0) {
+        // What keeps a column from being coded as a run.
+        decodeCleanup(
+            cell, members,
+            map_.isFull(stripe) ? map_.template neighbourhood<kCausal>(stripe, index) | ~members : ~CellBits{0});
       }
       cell.visited = 0;
     });
@@ -128,6 +88,65 @@ class Pass {
   }
 
  private:
+  // The work on one cell is kept apart, and its coder in variables, so that the compiler finds registers for it.
+
+  [[gnu::noinline]] void decodeSignificance(Cell& cell, CellBits candidates, CellBits insignificant) {
+    Coded coded = coded_;
+    CellBits visited = cell.visited | candidates, significant = cell.significant;
+    do {
+      const auto bit = static_cast<uint32_t>(std::countr_zero(candidates));
+      candidates &= candidates - 1;
+      if (!decideSignificance(coded, bit)) continue;
+      significant |= CellBits{1} << bit;
+      const CellBits more = (StripeMap::laterNeighbours(bit & 3) << bit) & insignificant;
+      candidates |= more;
+      visited |= more;
+    } while (candidates != 0);
+    cell.significant = significant;
+    cell.visited = visited;
+    coded_ = coded;
+  }
+
+  [[gnu::noinline]] void decodeRefinement(CellBits members, CellBits before, CellBits known) {
+    Coded coded = coded_;
+    const uint32_t kept = kSign | (block_.plane < 31 ? bitsFrom(block_.plane + 1) : 0);
+    const uint32_t refined[2] = {withMidpoint(0, block_.plane), withMidpoint(1, block_.plane)};
+    do {
+      const auto bit = static_cast<uint32_t>(std::countr_zero(members));
+      members &= members - 1;
+      const auto context = static_cast<uint32_t>(kFirstRefinementContext + (known >> bit & 1) + (before >> bit & 1));
+      uint32_t* const at = sampleAt(bit);
+      const uint32_t value = loadUnaligned(at);
+      storeUnaligned(at, (value & kept) | refined[coded.decide(context)]);
+    } while (members != 0);
+    coded_ = coded;
+  }
+
+  [[gnu::noinline]] void decodeCleanup(Cell& cell, CellBits members, CellBits busy) {
+    Coded coded = coded_;
+    CellBits significant = cell.significant;
+    while (members != 0) {
+      auto bit = static_cast<uint32_t>(std::countr_zero(members));
+      if ((bit & 3) == 0 && (busy >> bit & 15) == 0) {
+        if (!coded.decide(kRunLengthContext)) {
+          members &= ~(CellBits{15} << bit);
+          continue;
+        }
+        const uint32_t high = coded.decide(kUniformContext);
+        bit += 2 * high + coded.decide(kUniformContext);
+        becomeSignificant(coded, bit);
+      } else if (!decideSignificance(coded, bit)) {
+        members &= members - 1;
+        continue;
+      }
+      members &= ~CellBits{1} << bit;
+      significant |= CellBits{1} << bit;
+      busy |= StripeMap::laterNeighbours(bit & 3) << bit;
+    }
+    cell.significant = significant;
+    coded_ = coded;
+  }
+
   template <class Visit>
   void forEachCell(const Visit& visit) {
     for (int32_t stripe = 0; stripe < map_.stripes(); ++stripe) {
@@ -147,16 +166,16 @@ class Pass {
     return reinterpret_cast<uint32_t*>(samples_ + static_cast<ptrdiff_t>(bit & 3) * block_.step + (bit & ~3u));
   }
 
-  bool decideSignificance(uint32_t bit) {
+  [[gnu::always_inline]] bool decideSignificance(Coded& coded, uint32_t bit) {
     const ColumnWord word{words_[bit / 4]};
-    if (!coded_.decide(block_.zeroCoding[word.neighbours(bit & 3)])) return false;
-    becomeSignificant(bit);
+    if (!coded.decide(block_.zeroCoding[word.neighbours(bit & 3)])) return false;
+    becomeSignificant(coded, bit);
     return true;
   }
 
-  void becomeSignificant(uint32_t bit) {
+  [[gnu::always_inline]] void becomeSignificant(Coded& coded, uint32_t bit) {
     uint32_t* const word = words_ + bit / 4;
-    const uint32_t negative = coded_.sign(ColumnWord{*word}, bit & 3);
+    const uint32_t negative = coded.sign(ColumnWord{*word}, bit & 3);
     StripeMap::setSignificant<kCausal>(word, up_, down_, bit & 3, negative);
     storeUnaligned(sampleAt(bit), negative << 31 | newMagnitude_);
   }
@@ -173,15 +192,15 @@ class Pass {
 
 template <bool kCausal>
 void significance(DecodedBlock& block, MqDecoder& decoder) {
-  decoder = Pass<kCausal, MqCoded>(block, {decoder, block.contexts}).significance().mq;
+  decoder = Pass<kCausal, MqCoded>(block, {decoder, &block.contexts}).significance().mq;
 }
 template <bool kCausal>
 void refinement(DecodedBlock& block, MqDecoder& decoder) {
-  decoder = Pass<kCausal, MqCoded>(block, {decoder, block.contexts}).refinement().mq;
+  decoder = Pass<kCausal, MqCoded>(block, {decoder, &block.contexts}).refinement().mq;
 }
 template <bool kCausal>
 void cleanup(DecodedBlock& block, MqDecoder& decoder) {
-  decoder = Pass<kCausal, MqCoded>(block, {decoder, block.contexts}).cleanup().mq;
+  decoder = Pass<kCausal, MqCoded>(block, {decoder, &block.contexts}).cleanup().mq;
 }
 template <bool kCausal>
 void rawSignificance(DecodedBlock& block, RawDecoder& decoder) {

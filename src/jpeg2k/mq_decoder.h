@@ -48,7 +48,7 @@ class MqDecoder {
     interval_ = interval << shift;
     context.word = static_cast<uint32_t>(selectIfNegative(interval, Register{before.word}, renormalised));
     if (bitsLeft_ < shift) [[unlikely]] {
-      shiftCodeAcrossBytes(shift);
+      *this = shiftedAcrossBytes(*this, shift);
     } else {
       code_ <<= shift;
       bitsLeft_ -= shift;
@@ -118,14 +118,16 @@ class MqDecoder {
     }
   }
 
-  void shiftCodeAcrossBytes(int32_t shift) {
-    while (bitsLeft_ < shift) {
-      code_ <<= bitsLeft_;
-      shift -= bitsLeft_;
-      readBytes();
+  // By value: where the address of a decoder were taken its registers would not be held in registers.
+  [[gnu::noinline]] static MqDecoder shiftedAcrossBytes(MqDecoder decoder, int32_t shift) {
+    while (decoder.bitsLeft_ < shift) {
+      decoder.code_ <<= decoder.bitsLeft_;
+      shift -= decoder.bitsLeft_;
+      decoder.readBytes();
     }
-    code_ <<= shift;
-    bitsLeft_ -= shift;
+    decoder.code_ <<= shift;
+    decoder.bitsLeft_ -= shift;
+    return decoder;
   }
 
   Register interval_;
