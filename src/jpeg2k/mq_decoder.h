@@ -42,7 +42,8 @@ class MqDecoder {
     const Register ifLower = selectIfBelow(upper, qe, afterMps, afterLps);
     const Register renormalised = selectIfBelow(code_, upper, ifUpper, ifLower);
     const Register interval = selectIfBelow(code_, upper, upper, qe);
-    const uint32_t isLps = uint32_t{code_ >= upper} ^ uint32_t { upper < qe };
+    const uint32_t ifUpperDecision = before.mps() ^ uint32_t { upper < qe };
+    const uint32_t decision = ifUpperDecision ^ uint32_t { code_ >= upper };
     code_ = selectIfBelow(code_, upper, code_, code_ - upper);
     const int32_t shift = __builtin_clzll(interval) - (64 - kBits);
     interval_ = interval << shift;
@@ -53,7 +54,7 @@ class MqDecoder {
       code_ <<= shift;
       bitsLeft_ -= shift;
     }
-    return before.mps() ^ isLps;
+    return decision;
   }
 
   // Whether the registers are as a predictable termination (T.800 D.4.2) leaves them at the end of a segment.
