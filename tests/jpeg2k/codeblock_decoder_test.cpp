@@ -79,6 +79,28 @@ TEST(CodeBlockDecoder, EqualsModelOnCorruptData) {
   EXPECT_GT(survivors, 100);
 }
 
+// The check of the termination, on segments that end in every way around a byte 0xFF.
+TEST(CodeBlockDecoder, ChecksEveryEndAsTheModelDoes) {
+  Random random(6);
+  for (int i = 0; i < 150; ++i) {
+    BlockCase block = randomCase({static_cast<int32_t>(random.between(1, 4)), 3}, random);
+    block.flags = 0;
+    block.termination = 2;
+    Coded coded = modelCoded(block);
+    // Behind the end a decoder assumes 0xFF itself. Seen earlier, it makes damage of most codewords.
+    const size_t length = coded.codeword.size();
+    coded.codeword.resize(length + 2);
+    if (coded.passes > 0) coded.segmentLengths[0] += 2;
+    for (size_t at = length; at + 3 > length && at < coded.codeword.size(); --at) {
+      for (const uint8_t next : {0x00, 0x7F, 0x8F, 0x90, 0xFF}) {
+        coded.codeword[at] = 0xFF;
+        coded.codeword[at + 1] = next;
+        expectEqualsModel(coded, CbCheckTermination, Samples(block.sampleCount()), block.name());
+      }
+    }
+  }
+}
+
 TEST(CodeBlockDecoder, EqualsModelOnLargeBlocks) {
   Random random(3);
   for (const RoiSize size : {RoiSize{64, 64}, RoiSize{1024, 4}, RoiSize{4, 1024}, RoiSize{130, 67}}) {
