@@ -49,9 +49,12 @@ void compareEncoders(const Setting& setting, const SharedImage& image) {
            {"libjpeg-turbo", [=] {
               unsigned char* bytes = theirs->data();
               unsigned long length = theirs->size();
+              const int progressive = setting.options.progressive ? TJFLAG_PROGRESSIVE : 0;
+              // It has no flag for optimised tables.
+              setenv("TJ_OPTIMIZE", setting.options.optimize ? "1" : "0", 1);
               check(tjCompress2(turbo->get(), image->samples.data(), image->width, image->step(), image->height,
                                 setting.turboFormat, &bytes, &length, setting.turboSampling, setting.options.quality,
-                                TJFLAG_NOREALLOC | TJFLAG_ACCURATEDCT),
+                                TJFLAG_NOREALLOC | TJFLAG_ACCURATEDCT | progressive),
                     *turbo);
             }}});
 }
@@ -77,6 +80,26 @@ SharedFile encoded(const Setting& setting, const SharedImage& image) {
   const auto file = std::make_shared<std::vector<uint8_t>>();
   jpeg::encode(*image, setting.options, *file);
   return file;
+}
+
+// Lossless coding of the photograph against the peer's baseline coding of it in 4:2:0 at quality 90.
+void compareLossless(const SharedImage& image) {
+  const auto deep = std::make_shared<const examples::DeepImage>(examples::withPrecision<uint16_t>(*image, 8));
+  Setting setting = {"lossless, predictor 1", {90, jpeg::Sampling::s420}, TJSAMP_420};
+  const auto turboFile = encoded(setting, image);
+  setting.options.predictor = 1;
+  compareEncoders(setting, image);
+  const auto file = std::make_shared<std::vector<uint8_t>>();
+  jpeg::encode(*deep, setting.options, *file);
+  const auto ours = std::make_shared<Image>(), theirs = std::make_shared<Image>(image->width, image->height, 3);
+  const auto turbo = std::make_shared<Turbo>(tjInitDecompress());
+  compare("decode " + setting.name, double(image->width) * image->height, "pixels",
+          {{"zorj", [=] { jpeg::decode(*file, {}, *ours); }},
+           {"libjpeg-turbo", [=] {
+              check(tjDecompress2(turbo->get(), turboFile->data(), turboFile->size(), theirs->samples.data(),
+                                  theirs->width, theirs->step(), theirs->height, TJPF_RGB, TJFLAG_ACCURATEDCT),
+                    *turbo);
+            }}});
 }
 
 // The photograph with grey taken out of its inks and printed in black.
@@ -117,6 +140,20 @@ void registerComparisons() {
       compareDecoders(setting.name + " box", file, {Upsampling::box}, TJPF_RGB);
     }
   }
+  for (const int quality : {90, 75}) {
+    for (const auto& [name, sampling, turboSampling] :
+         {std::tuple("4:4:4", Sampling::s444, TJSAMP_444), std::tuple("4:2:0", Sampling::s420, TJSAMP_420)}) {
+      const std::string suffix = std::string(" ") + name + " q" + std::to_string(quality);
+      Setting setting = {"optimised" + suffix, {quality, sampling}, turboSampling};
+      setting.options.optimize = true;
+      compareEncoders(setting, image);
+      setting.name = "progressive" + suffix;
+      setting.options.progressive = true;
+      compareEncoders(setting, image);
+      compareDecoders(setting.name, encoded(setting, image), {}, TJPF_RGB);
+    }
+  }
+  compareLossless(image);
   const SharedFile file = encoded({"", {90, Sampling::s420}}, image);
   for (const int scale : {2, 4, 8}) {
     compareDecoders("4:2:0 q90 scale 1/" + std::to_string(scale), file, {Upsampling::triangle, scale}, TJPF_RGB);

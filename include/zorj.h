@@ -7,10 +7,15 @@
 #define ZORJ_H
 
 #include "zorj/jpeg2k_codeblock.h"
+#include "zorj/hdp.h"
 #include "zorj/jpeg_color.h"
 #include "zorj/jpeg_dct.h"
 #include "zorj/jpeg_huffman.h"
+#include "zorj/jpeg_lossless.h"
+#include "zorj/jpeg_progressive.h"
 #include "zorj/jpeg_sampling.h"
+#include "zorj/texture.h"
+#include "zorj/tiff.h"
 #include "zorj/types.h"
 
 #endif

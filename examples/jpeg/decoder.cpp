@@ -3,9 +3,13 @@
 #include <algorithm>
 
 #include "common/error.h"
+#include "common/image_file.h"
 #include "jpeg/codec.h"
+#include "jpeg/damage.h"
+#include "jpeg/deep_pixels.h"
 #include "jpeg/inverse_transform.h"
 #include "jpeg/lone_scan.h"
+#include "jpeg/lossless_decoder.h"
 #include "jpeg/marker_reader.h"
 #include "jpeg/parallel.h"
 #include "jpeg/scan_decoder.h"
@@ -13,93 +17,74 @@
 namespace examples::jpeg {
 namespace {
 
-// Sums up what is missing.
-class Damage {
- public:
-  void count(int64_t lostMcus, int64_t allMcus) {
-    lost_ += lostMcus;
-    all_ += allMcus;
-  }
-  void note(const std::string& problem) {
-    if (problem_.empty()) problem_ = problem;
-  }
-  DecodeReport report() const {
-    if (lost_ == 0) return {problem_};
-    const int64_t percent = std::clamp<int64_t>(lost_ * 100 / all_, 1, 99);
-    const std::string share = lost_ == all_ ? "all" : "about " + std::to_string(percent) + " %";
-    return {(problem_.empty() ? "damaged data" : problem_) + ": " + share + " of the image data is lost"};
-  }
-
- private:
-  int64_t lost_ = 0;
-  int64_t all_ = 0;
-  std::string problem_;
-};
-
 ScanDecoder startScan(const MarkerReader& reader, std::array<QuantTable, kMaxComponents>& quantTables) {
   reader.takeQuantTables(quantTables);
-  return ScanDecoder(reader.file(), reader.position(), reader.scanTables(), reader.restartInterval());
+  return ScanDecoder(reader.file(), reader.position(), reader.frame().process, reader.scan(), reader.scanTables(),
+                     reader.restartInterval());
 }
 
 void readFirstScan(MarkerReader& reader) {
   if (!reader.nextScan()) throw Error("the file has no image data");
 }
 
-// Reads on after a scan: true at another one. Damage of the headers from here on leaves what was decoded.
-bool nextScan(MarkerReader& reader, size_t endOfData, Damage& damage) {
-  reader.resumeAt(endOfData);
-  try {
-    return reader.nextScan();
-  } catch (const Error& error) {
-    damage.note(error.what());
-    return false;
-  }
-}
-
 // A scan into the coefficients of the whole image.
 void decodeScan(const MarkerReader& reader, ScanDecoder& scan, CoefficientImage& image, Damage& damage) {
-  const std::vector<size_t> components = reader.scanComponents();
-  int32_t wide = image.frame.mcusWide();
-  int32_t high = image.frame.mcusHigh();
-  if (components.size() == 1) {
-    // The MCU of a lone component is one block, and the image has no more of them than it needs (T.81 A.2.2).
-    const Component& component = image.frame.components[components[0]];
-    wide = image.frame.blocksWide(component);
-    high = image.frame.blocksHigh(component);
-    const Blocks blocks = image.mcus.blocks(components[0], 0, 0);
-    for (int32_t row = 0; row < high; ++row) {
-      const McuBlock block{&blocks.at(0, row), 1, 0};
-      scan.decode({&block, 1}, wide);
-    }
-  } else {
-    for (int32_t row = 0; row < high; ++row) {
-      scan.decode(interleavedMcu(image.frame, components, image.mcus, 0, row), wide);
-    }
-  }
-  damage.count(scan.lostMcus(), int64_t{wide} * high);
+  int64_t mcus = 0;
+  forEachMcuRow(image, reader.scan().components, [&](std::span<const McuBlock> mcu, int32_t count) {
+    scan.decode(mcu, count);
+    mcus += count;
+  });
+  damage.count(scan.lostMcus(), mcus);
 }
 
-// Sequential files code every component once.
+// Which scans a file has had. Sequential ones code each component once, whole.
+class ScanRecord {
+ public:
+  explicit ScanRecord(const Frame& frame)
+      : isProgressive_(frame.process == Process::progressive),
+        coded_(frame.components.size()),
+        progress_(frame.components.size()) {}
+
+  // Throws Error if the scan cannot be decoded.
+  void add(const Scan& scan, Damage& damage) {
+    if (isProgressive_ && !progress_.add(scan)) damage.note("scans are missing or out of order");
+    for (const size_t component : scan.components) {
+      if (!isProgressive_ && coded_[component]) throw Error("a component is coded twice");
+      coded_[component] = true;
+    }
+  }
+
+  void finish(Damage& damage) const {
+    if (std::find(coded_.begin(), coded_.end(), false) != coded_.end()) damage.note("a component is missing");
+    if (isProgressive_ && !progress_.complete()) damage.note("scans are missing: the picture lacks detail");
+  }
+
+ private:
+  bool isProgressive_;
+  std::vector<bool> coded_;
+  Progress progress_;
+};
+
 Damage decodeAllScans(MarkerReader& reader, CoefficientImage& image) {
   image.frame = reader.frame();
   image.quantTables = {};
   image.mcus = McuArray(image.frame, image.frame.mcusWide(), image.frame.mcusHigh());
-  std::vector<bool> coded(image.frame.components.size());
+  ScanRecord record(image.frame);
   Damage damage;
-  bool more = true;
-  while (more) {
-    for (const size_t component : reader.scanComponents()) {
-      if (coded[component]) {
-        damage.note("a component is coded twice");
-        return damage;
-      }
-      coded[component] = true;
+  bool isFirst = true;
+  for (bool more = true; more; isFirst = false) {
+    try {
+      record.add(reader.scan(), damage);
+      ScanDecoder scan = startScan(reader, image.quantTables);
+      decodeScan(reader, scan, image, damage);
+      more = nextScan(reader, scan.end(), damage);
+    } catch (const Error& error) {
+      if (isFirst) throw;
+      damage.note(error.what());
+      return damage;
     }
-    ScanDecoder scan = startScan(reader, image.quantTables);
-    decodeScan(reader, scan, image, damage);
-    more = nextScan(reader, scan.end(), damage);
   }
-  if (std::find(coded.begin(), coded.end(), false) != coded.end()) damage.note("a component is missing");
+  record.finish(damage);
   return damage;
 }
 
@@ -134,13 +119,50 @@ void toPixels(CoefficientImage& coefficients, const DecodeOptions& options, Imag
   });
 }
 
+DecodeReport decodeDeep(MarkerReader& reader, const DecodeOptions& options, DeepImage& image) {
+  const Frame frame = reader.frame();
+  DecodeReport report;
+  if (frame.process == Process::lossless) {
+    std::vector<SamplePlane> planes;
+    report = decodeLossless(reader, planes);
+    toPixels(frame, planes, options, image);
+  } else {
+    CoefficientImage coefficients;
+    report = decodeAllScans(reader, coefficients).report();
+    toPixels(frame, inverseTransformDeep(coefficients), options, image);
+  }
+  return report;
+}
+
 }  // namespace
+
+Frame describe(std::span<const uint8_t> jpeg) {
+  MarkerReader reader(jpeg);
+  readFirstScan(reader);
+  return reader.frame();
+}
+
+DecodeReport decode(std::span<const uint8_t> jpeg, const DecodeOptions& options, DeepImage& image) {
+  check(options);
+  MarkerReader reader(jpeg);
+  readFirstScan(reader);
+  return decodeDeep(reader, options, image);
+}
 
 DecodeReport decode(std::span<const uint8_t> jpeg, const DecodeOptions& options, Image& image) {
   check(options);
   MarkerReader reader(jpeg);
   readFirstScan(reader);
-  if (reader.scanHoldsAllComponents()) return decodeDirectly(reader, options, image);
+  const Frame& frame = reader.frame();
+  if (frame.precision != 8 || frame.process == Process::lossless) {
+    DeepImage deep;
+    const DecodeReport report = decodeDeep(reader, options, deep);
+    image = withPrecision<uint8_t>(deep, 8);
+    return report;
+  }
+  if (frame.process == Process::sequential && reader.scanHoldsAllComponents()) {
+    return decodeDirectly(reader, options, image);
+  }
   CoefficientImage coefficients;
   const Damage damage = decodeAllScans(reader, coefficients);
   toPixels(coefficients, options, image);
@@ -150,6 +172,7 @@ DecodeReport decode(std::span<const uint8_t> jpeg, const DecodeOptions& options,
 DecodeReport decodeCoefficients(std::span<const uint8_t> jpeg, CoefficientImage& coefficients) {
   MarkerReader reader(jpeg);
   readFirstScan(reader);
+  if (reader.frame().process == Process::lossless) throw Error("a lossless file has no coefficients");
   return decodeAllScans(reader, coefficients).report();
 }
 

@@ -17,10 +17,14 @@ struct Component {
   uint8_t quantTable = 0;  // 0 to 3
 };
 
+enum class Process { sequential, progressive, lossless };
+
 // What the components of an image are.
 enum class ColorCoding { grey, yCbCr, rgb, ycck, cmyk };
 
 struct Frame {
+  Process process = Process::sequential;
+  int32_t precision = 8;  // bits a sample
   int32_t width = 0;
   int32_t height = 0;
   std::vector<Component> components;

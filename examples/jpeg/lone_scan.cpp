@@ -30,10 +30,10 @@ class Strip {
         firstMcu_(int64_t{transform_.firstNeeded()} * frame_.mcusWide()),
         segment_(first == 0 ? 0 : firstMcu_ / reader.restartInterval()),
         skipped_(firstMcu_ - segment_ * reader.restartInterval()),
-        scan_(reader.file(), segments[static_cast<size_t>(segment_)], reader.scanTables(), reader.restartInterval(),
-              segment_),
+        scan_(reader.file(), segments[static_cast<size_t>(segment_)], frame_.process, reader.scan(),
+              reader.scanTables(), reader.restartInterval(), segment_),
         run_(frame_, kRunMcus, 1),
-        inScan_(interleavedMcu(frame_, reader.scanComponents(), run_, 0, 0)),
+        inScan_(interleavedMcu(frame_, reader.scan().components, run_, 0, 0)),
         inFrame_(interleavedMcu(frame_, frame_.allComponents(), run_, 0, 0)) {}
 
   void decode() {
@@ -79,7 +79,7 @@ struct RowGroup {
     const Frame& frame = reader.frame();
     mcus = McuArray(frame, frame.mcusWide(), rows);
     for (int32_t row = 0; row < rows; ++row) {
-      inScan.push_back(interleavedMcu(frame, reader.scanComponents(), mcus, 0, row));
+      inScan.push_back(interleavedMcu(frame, reader.scan().components, mcus, 0, row));
       inFrame.push_back(interleavedMcu(frame, frame.allComponents(), mcus, 0, row));
     }
   }
@@ -100,7 +100,8 @@ LoneScanEnd decodeInTwoStages(const MarkerReader& reader, const QuantTables& tab
   RowGroup groups[2];
   for (RowGroup& group : groups) group.shape(reader, rows);
   InverseTransform transform(frame, tables, options, 0, image);
-  ScanDecoder scan(reader.file(), reader.position(), reader.scanTables(), reader.restartInterval());
+  ScanDecoder scan(reader.file(), reader.position(), frame.process, reader.scan(), reader.scanTables(),
+                   reader.restartInterval());
 
   // Calls row(group, index in it, number) for all rows, the groups in turns.
   const auto forAllRows = [&](auto waitFor, auto becomes, const auto& row) {

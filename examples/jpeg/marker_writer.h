@@ -5,7 +5,9 @@
 #include <span>
 #include <vector>
 
+#include "jpeg/coefficients.h"
 #include "jpeg/frame.h"
+#include "jpeg/scan.h"
 #include "jpeg/tables.h"
 
 namespace examples::jpeg {
@@ -22,12 +24,12 @@ class MarkerWriter {
   void marker(uint8_t code);
   void jfif();
   void adobe(uint8_t transform);
-  void quantTable(uint8_t destination, std::span<const uint8_t, 64> zigzag);
-  void baselineFrame(const Frame& frame);
+  // Step sizes in natural order.
+  void quantTable(uint8_t destination, const QuantTable& steps);
+  void frame(const Frame& frame);
   void huffmanTable(bool ac, uint8_t destination, const HuffmanLists& lists);
   void restartInterval(int32_t mcus);
-  // The sequential scan of all components, each with the Huffman tables of its quantisation table's number.
-  void scan(const Frame& frame);
+  void scan(const Frame& frame, const Scan& scan);
 
  private:
   void segment(uint8_t code, size_t payload);

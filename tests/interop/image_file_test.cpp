@@ -30,11 +30,39 @@ TEST(ImageFile, ReadsPnmHeaders) {
   EXPECT_EQ(readBytes("P5\n2 1\n255\n\x01#").samples, (Samples{1, '#'}));
   EXPECT_EQ(readBytes("P5 # a comment 7\n2#\n\t1 255 \n ").samples, (Samples{'\n', ' '}));
   EXPECT_EQ(readBytes("P6 1 1 255\rabc").samples, (Samples{'a', 'b', 'c'}));
-  for (const char* bad :
-       {"P5", "P5 2 1 255\nx", "P5 2 1 65535\nxxxx", "P5 0 1 255\n", "P5 2 x 255\nxx", "P3 1 1 255 1 1 1",
-        "P5 -1 1 255\nx", "P5 99999999999999999999 1 255\nx", "P5 16777216 16777216 255\nx", "P5 1 #"}) {
+  for (const char* bad : {"P5", "P5 2 1 255\nx", "P5 2 1 65536\nxxxx", "P5 2 1 65535\nxxx", "P5 1 1 100\ne",
+                          "P5 0 1 255\n", "P5 2 x 255\nxx", "P3 1 1 255 1 1 1", "P5 -1 1 255\nx",
+                          "P5 99999999999999999999 1 255\nx", "P5 16777216 16777216 255\nx", "P5 1 #"}) {
     EXPECT_THROW(readBytes(bad), std::runtime_error) << bad;
   }
+}
+
+TEST(ImageFile, KeepsDeepSamples) {
+  for (const int32_t precision : {1, 7, 8, 9, 12, 16}) {
+    for (const char* const name : {"deep.pgm", "deep.pam", "deep.png"}) {
+      DeepImage image(5, 1, 1);
+      image.precision = precision;
+      const auto largest = static_cast<uint16_t>(image.largest());
+      image.samples = {0, 1, largest, static_cast<uint16_t>(largest / 2), static_cast<uint16_t>(largest / 3)};
+      examples::writeImage(temporary(name), image);
+      const DeepImage read = examples::readDeepImage(temporary(name));
+      if (name != std::string("deep.png")) {
+        EXPECT_EQ(read.precision, precision);
+        EXPECT_EQ(read.samples, image.samples);
+      } else {
+        EXPECT_EQ(read.precision, precision <= 8 ? 8 : 16);
+        EXPECT_EQ(examples::withPrecision<uint16_t>(read, precision).samples, image.samples);
+      }
+      std::filesystem::remove(temporary(name));
+    }
+  }
+}
+
+TEST(ImageFile, ScalesSamples) {
+  using Samples = std::vector<uint8_t>;
+  EXPECT_EQ(readBytes("P5 3 1 65535\n" + std::string("\0\0\x80\0\xff\xff", 6)).samples, (Samples{0, 128, 255}));
+  EXPECT_EQ(readBytes("P5 3 1 15\n" + std::string("\0\x07\x0f", 3)).samples, (Samples{0, 119, 255}));
+  EXPECT_EQ(readBytes("P5 2 1 100\n" + std::string("\x32\x64")).samples, (Samples{128, 255}));
 }
 
 TEST(ImageFile, ReadsAndWritesPam) {

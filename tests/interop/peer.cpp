@@ -35,6 +35,7 @@ class Decompressor {
     jpeg_read_header(&codec, TRUE);
     codec.dct_method = JDCT_ISLOW;
     codec.do_fancy_upsampling = FALSE;
+    codec.do_block_smoothing = FALSE;  // invents the detail that missing scans would add
   }
   ~Decompressor() { jpeg_destroy_decompress(&codec); }
 
@@ -48,6 +49,11 @@ void setScans(jpeg_compress_struct& codec, const PeerSettings& settings, std::ve
   for (const std::vector<int>& components : settings.scans) {
     jpeg_scan_info scan{static_cast<int>(components.size()), {}, 0, 63, 0, 0};
     for (size_t i = 0; i < components.size(); ++i) scan.component_index[i] = components[i];
+    scans.push_back(scan);
+  }
+  for (const jpeg::Scan& ours : settings.script) {
+    jpeg_scan_info scan{static_cast<int>(ours.components.size()), {}, ours.first, ours.last, ours.highBit, ours.lowBit};
+    for (size_t i = 0; i < ours.components.size(); ++i) scan.component_index[i] = static_cast<int>(ours.components[i]);
     scans.push_back(scan);
   }
   if (!scans.empty()) codec.scan_info = scans.data();
@@ -150,6 +156,30 @@ std::vector<jpeg::ComponentSamples> peerPlanes(std::span<const uint8_t> file) {
   }
   jpeg_finish_decompress(&peer.codec);
   return planes;
+}
+
+std::vector<uint8_t> peerTranscode(std::span<const uint8_t> file, const PeerSettings& settings) {
+  Decompressor peer(file);
+  jvirt_barray_ptr* const arrays = jpeg_read_coefficients(&peer.codec);
+  jpeg_compress_struct codec;
+  jpeg_error_mgr errors;
+  codec.err = throwingErrors(errors);
+  jpeg_create_compress(&codec);
+  unsigned char* bytes = nullptr;
+  unsigned long length = 0;
+  jpeg_mem_dest(&codec, &bytes, &length);
+  jpeg_copy_critical_parameters(&peer.codec, &codec);
+  codec.restart_interval = static_cast<unsigned>(settings.restartInterval);
+  codec.optimize_coding = settings.optimise ? TRUE : FALSE;
+  std::vector<jpeg_scan_info> scans;
+  setScans(codec, settings, scans);
+  jpeg_write_coefficients(&codec, arrays);
+  jpeg_finish_compress(&codec);
+  jpeg_destroy_compress(&codec);
+  jpeg_finish_decompress(&peer.codec);
+  std::vector<uint8_t> result(bytes, bytes + length);
+  std::free(bytes);
+  return result;
 }
 
 std::vector<PeerComponent> peerCoefficients(std::span<const uint8_t> file) {

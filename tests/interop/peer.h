@@ -28,6 +28,7 @@ struct PeerSettings {
   bool convertColors = true;            // else RGB or CMYK as it is
   bool adobeMarker = true;              // where CMYK or RGB calls for it
   std::vector<std::vector<int>> scans;  // the components of each; empty for one scan of all
+  std::vector<jpeg::Scan> script;       // progressive scans
 };
 
 // CMYK images have 255 for full ink, here as in zorjpeg; in files with Adobe's marker they are inverted.
@@ -37,6 +38,9 @@ std::vector<uint8_t> peerEncode(const Image& image, const PeerSettings& settings
 // one, the triangle up-sampling the peer's "fancy" one.
 Image peerDecode(std::span<const uint8_t> file, jpeg::Upsampling upsampling);
 std::vector<jpeg::ComponentSamples> peerPlanes(std::span<const uint8_t> file);
+
+// The coefficients of a file, coded anew with the tables, scans and restart interval of the settings.
+std::vector<uint8_t> peerTranscode(std::span<const uint8_t> file, const PeerSettings& settings);
 
 // The quantised coefficients and step sizes of a component, in natural order, its blocks in raster order.
 struct PeerComponent {
