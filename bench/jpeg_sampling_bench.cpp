@@ -4,38 +4,10 @@
 #include <zorj.h>
 
 #include <array>
-#include <cstring>
-#include <memory>
-#include <vector>
-
-#include "support/compare.h"
+#include "support/copy.h"
 
 namespace zorj::bench {
 namespace {
-
-// The bytes of a source and a destination, and a copy that touches as many.
-class Buffers {
- public:
-  Buffers(size_t srcBytes, size_t dstBytes)
-      : src_(srcBytes, 100), dst_(dstBytes), copied_((srcBytes + dstBytes) / 2, 1), copy_(copied_.size()) {}
-
-  const uint8_t* src() const { return src_.data(); }
-  uint8_t* dst() { return dst_.data(); }
-  double bytesTouched() const { return static_cast<double>(src_.size() + dst_.size()); }
-  void copy() { std::memcpy(copy_.data(), copied_.data(), copied_.size()); }
-
- private:
-  std::vector<uint8_t> src_, dst_, copied_, copy_;
-};
-
-void compareWithCopy(const std::string& row, const std::shared_ptr<Buffers>& buffers,
-                     const std::function<void()>& run) {
-  compare(
-      row, buffers->bytesTouched(), "bytes",
-      {{"AVX2", run, Isa::kAvx2}, {"AVX-512", run, Isa::kAvx512}, {"portable", run, Isa::kPortable}, {"memcpy", [=] {
-                                                                                                        buffers->copy();
-                                                                                                      }}});
-}
 
 using PlaneFunction = StatusCode(ZORJ_CALL*)(const uint8_t*, int32_t, RoiSize, uint8_t*, int32_t, RoiSize);
 

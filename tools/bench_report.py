@@ -23,11 +23,12 @@ def read_rows(path):
     for run in sorted(runs, key=lambda run: run["family_index"]):
         if run["run_type"] != "iteration" or run.get("error_occurred"):
             continue
-        row, variant = run["run_name"].rsplit("/", 1)
+        by_the_clock = run["run_name"].endswith("/real_time")
+        row, variant = run["run_name"].removesuffix("/real_time").rsplit("/", 1)
         scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
-        unit = next((u for u in ("pixels", "blocks", "bytes", "differences", "MCUs") if u in run), None)
+        unit = next((u for u in ("pixels", "blocks", "bytes", "differences", "samples", "MCUs") if u in run), None)
         amount = run[unit] / run["iterations"] if unit else 1.0
-        entry = (run["repetition_index"], run["cpu_time"] * scale, unit or "run", amount)
+        entry = (run["repetition_index"], run["real_time" if by_the_clock else "cpu_time"] * scale, unit or "run", amount)
         rows.setdefault(row, {}).setdefault(variant, []).append(entry)
     for variants in rows.values():
         for runs in variants.values():
@@ -63,7 +64,7 @@ def machine_text():
     package = subprocess.run(
         ["dpkg-query", "-W", "-f", "${Version}", "libturbojpeg0-dev"], capture_output=True, text=True
     ).stdout
-    return f"{cpu}; {compiler}; libjpeg-turbo {package}; one thread"
+    return f"{cpu}; {compiler}; libjpeg-turbo {package}; one thread unless said"
 
 
 def table(topics):

@@ -23,19 +23,22 @@ struct Variant {
 };
 
 // Registers a row of the report: `run` does `amount` units (pixels, blocks, bytes) of work. The report tells how many
-// times as fast as each of the others the first variant is.
+// times as fast as each of the others the first variant is, by the calling thread's processor time or, where several
+// threads work, by the clock.
 inline void compare(const std::string& row, double amount, const std::string& unit,
-                    const std::vector<Variant>& variants) {
+                    const std::vector<Variant>& variants, bool byTheClock = false) {
   for (const Variant& variant : variants) {
-    benchmark::RegisterBenchmark((row + "/" + variant.name).c_str(), [=](benchmark::State& state) {
-      setIsa(variant.isa);
-      for (auto _ : state) {
-        variant.run();
-        benchmark::ClobberMemory();
-      }
-      setIsa(Isa::kAvx512);
-      state.counters[unit] = benchmark::Counter(amount, benchmark::Counter::kIsIterationInvariant);
-    });
+    auto* const registered =
+        benchmark::RegisterBenchmark((row + "/" + variant.name).c_str(), [=](benchmark::State& state) {
+          setIsa(variant.isa);
+          for (auto _ : state) {
+            variant.run();
+            benchmark::ClobberMemory();
+          }
+          setIsa(Isa::kAvx512);
+          state.counters[unit] = benchmark::Counter(amount, benchmark::Counter::kIsIterationInvariant);
+        });
+    if (byTheClock) registered->UseRealTime();
   }
 }
 

@@ -7,15 +7,18 @@
 
 namespace examples {
 
-// 8-bit grey (1 channel) or RGB (3 channels), pixels interleaved, rows without padding.
-struct Image {
+// Grey (1 channel), RGB (3 channels) or CMYK (4 channels, the largest value for full ink); pixels interleaved, rows
+// without padding. Samples are 0 to 2^precision - 1.
+template <class Sample>
+struct BasicImage {
   int32_t width = 0;
   int32_t height = 0;
   int32_t channels = 0;
-  std::vector<uint8_t> samples;
+  int32_t precision = 8 * int32_t{sizeof(Sample)};
+  std::vector<Sample> samples;
 
-  Image() = default;
-  Image(int32_t imageWidth, int32_t imageHeight, int32_t imageChannels) {
+  BasicImage() = default;
+  BasicImage(int32_t imageWidth, int32_t imageHeight, int32_t imageChannels) {
     reshape(imageWidth, imageHeight, imageChannels);
   }
 
@@ -27,12 +30,19 @@ struct Image {
     samples.resize(static_cast<size_t>(width) * static_cast<size_t>(height) * static_cast<size_t>(channels));
   }
 
-  int32_t step() const { return width * channels; }
-  uint8_t* at(int32_t x, int32_t y) { return samples.data() + offset(x, y); }
-  const uint8_t* at(int32_t x, int32_t y) const { return samples.data() + offset(x, y); }
+  int32_t largest() const { return (1 << precision) - 1; }
+  // Bytes from row to row.
+  int32_t step() const { return width * channels * int32_t{sizeof(Sample)}; }
+  Sample* at(int32_t x, int32_t y) { return samples.data() + offset(x, y); }
+  const Sample* at(int32_t x, int32_t y) const { return samples.data() + offset(x, y); }
 
  private:
-  ptrdiff_t offset(int32_t x, int32_t y) const { return ptrdiff_t{y} * step() + ptrdiff_t{x} * channels; }
+  ptrdiff_t offset(int32_t x, int32_t y) const { return (ptrdiff_t{y} * width + x) * channels; }
 };
+
+// 8 bits a sample.
+using Image = BasicImage<uint8_t>;
+// 1 to 16 bits a sample.
+using DeepImage = BasicImage<uint16_t>;
 
 }  // namespace examples

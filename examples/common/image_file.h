@@ -1,4 +1,4 @@
-// Image files: PNG, and binary PGM and PPM.
+// Image files: PNG, binary PGM and PPM, and PAM.
 #pragma once
 
 #include <string>
@@ -7,16 +7,29 @@
 
 namespace examples {
 
-// The kind is told by the file's first bytes. Palettes become RGB, transparent pixels are laid over white, 16-bit and
-// 1 to 4-bit samples become 8-bit ones.
+// The kind is told by the file's first bytes. Palettes become RGB, transparent pixels are laid over white. The first
+// scales all samples to 8 bits; the second keeps those of a PNG as 8 or 16 bits (fewer become 8), those of other files
+// as the bits of their largest value.
 Image readImage(const std::string& path);
+DeepImage readDeepImage(const std::string& path);
 
-enum class ImageFormat { png, pgm, ppm };
+enum class ImageFormat { png, pgm, ppm, pam };
 
 // The format a file name's extension asks for.
 ImageFormat imageFormatOf(const std::string& path);
 
-// Writes the whole file or none. A grey image is stored as RGB in a PPM; a colour image does not fit a PGM.
+// Write the whole file or none. A grey image is stored as RGB in a PPM; a colour image does not fit a PGM. CMYK images
+// stay what they are in a PAM file alone, and become RGB in others. Other precisions than 8 and 16 bits are kept in all
+// files but PNG, where samples are scaled to the next of these.
 void writeImage(const std::string& path, const Image& image);
+void writeImage(const std::string& path, const DeepImage& image);
+
+// RGB as it looks on a device without colour management: each primary is (1 - ink) (1 - K) of the largest value.
+template <class Sample>
+BasicImage<Sample> cmykToRgb(const BasicImage<Sample>& cmyk);
+
+// The same picture with samples of another precision, rounded.
+template <class To, class From>
+BasicImage<To> withPrecision(const BasicImage<From>& image, int32_t precision);
 
 }  // namespace examples

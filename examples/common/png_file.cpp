@@ -3,6 +3,7 @@
 #include <png.h>
 
 #include <algorithm>
+#include <bit>
 #include <csetjmp>
 #include <cstring>
 #include <string>
@@ -40,26 +41,31 @@ void readInput(png_structp png, png_bytep destination, size_t count) {
 }
 
 // Lays pixels of 2 or 4 channels, the last of which is the opacity, over white.
-Image overWhite(const Image& source) {
-  Image image(source.width, source.height, source.channels - 1);
-  const uint8_t* from = source.samples.data();
-  uint8_t* to = image.samples.data();
-  for (const uint8_t* const end = from + source.samples.size(); from != end; ++from) {
-    const int32_t opacity = from[image.channels];
+DeepImage overWhite(const DeepImage& source) {
+  DeepImage image(source.width, source.height, source.channels - 1);
+  image.precision = source.precision;
+  const int64_t white = source.largest();
+  const uint16_t* from = source.samples.data();
+  uint16_t* to = image.samples.data();
+  for (const uint16_t* const end = from + source.samples.size(); from != end; ++from) {
+    const int64_t opacity = from[image.channels];
     for (int32_t c = 0; c < image.channels; ++c) {
-      *to++ = static_cast<uint8_t>((*from++ * opacity + 255 * (255 - opacity) + 127) / 255);
+      *to++ = static_cast<uint16_t>((*from++ * opacity + white * (white - opacity) + white / 2) / white);
     }
   }
   return image;
 }
 
+bool isLittleEndian() { return std::endian::native == std::endian::little; }
+
 // libpng reports errors by longjmp: nothing in the two functions that call it may need a destructor.
-bool readPixels(png_structp png, png_infop info, Input& input, Image& image, std::vector<png_bytep>& rows) {
+bool readPixels(png_structp png, png_infop info, Input& input, DeepImage& image, std::vector<png_bytep>& rows) {
   if (setjmp(png_jmpbuf(png))) return false;  // NOLINT(cert-err52-cpp): it is libpng's way
   png_set_read_fn(png, &input, readInput);
   png_read_info(png, info);
-  png_set_expand(png);    // palettes to RGB, fewer than 8 bits to 8, transparent colours to opacity
-  png_set_scale_16(png);  // 16 bits to 8
+  image.precision = png_get_bit_depth(png, info) == 16 ? 16 : 8;
+  png_set_expand_16(png);  // palettes to RGB, fewer than 16 bits to 16, transparent colours to opacity
+  if (isLittleEndian()) png_set_swap(png);
   png_set_interlace_handling(png);
   png_read_update_info(png, info);
   const png_uint_32 width = png_get_image_width(png, info);
@@ -70,20 +76,22 @@ bool readPixels(png_structp png, png_infop info, Input& input, Image& image, std
   image.reshape(static_cast<int32_t>(width), static_cast<int32_t>(height), png_get_channels(png, info));
   if (image.step() != static_cast<int32_t>(png_get_rowbytes(png, info))) png_error(png, "unexpected row layout");
   rows.resize(height);
-  for (int32_t y = 0; y < image.height; ++y) rows[static_cast<size_t>(y)] = image.at(0, y);
+  for (int32_t y = 0; y < image.height; ++y) rows[static_cast<size_t>(y)] = reinterpret_cast<png_bytep>(image.at(0, y));
   png_read_image(png, rows.data());
   return true;
 }
 
-bool writePixels(png_structp png, png_infop info, OutputFile& file, const Image& image) {
+template <class Sample>
+bool writePixels(png_structp png, png_infop info, OutputFile& file, const BasicImage<Sample>& image) {
   if (setjmp(png_jmpbuf(png))) return false;  // NOLINT(cert-err52-cpp): it is libpng's way
   png_init_io(png, file.stream());
-  png_set_IHDR(png, info, static_cast<png_uint_32>(image.width), static_cast<png_uint_32>(image.height), 8,
-               image.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+  png_set_IHDR(png, info, static_cast<png_uint_32>(image.width), static_cast<png_uint_32>(image.height),
+               image.precision, image.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_compression_level(png, 3);
   png_write_info(png, info);
-  for (int32_t y = 0; y < image.height; ++y) png_write_row(png, image.at(0, y));
+  if (sizeof(Sample) == 2 && isLittleEndian()) png_set_swap(png);
+  for (int32_t y = 0; y < image.height; ++y) png_write_row(png, reinterpret_cast<png_const_bytep>(image.at(0, y)));
   png_write_end(png, info);
   return true;
 }
@@ -92,12 +100,12 @@ bool writePixels(png_structp png, png_infop info, OutputFile& file, const Image&
 
 bool isPng(std::span<const uint8_t> bytes) { return bytes.size() >= 8 && png_sig_cmp(bytes.data(), 0, 8) == 0; }
 
-Image readPng(std::span<const uint8_t> bytes) {
+DeepImage readPng(std::span<const uint8_t> bytes) {
   Message message;
   png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &message, keepMessage, ignoreWarning);
   if (!png) throw Error("libpng could not start");
   png_infop info = png_create_info_struct(png);
-  Image image;
+  DeepImage image;
   std::vector<png_bytep> rows;
   Input input{bytes};
   bool done = false;
@@ -108,10 +116,15 @@ Image readPng(std::span<const uint8_t> bytes) {
   }
   png_destroy_read_struct(&png, &info, nullptr);
   if (!done) throw Error(message.text);
+  // Every 8-bit value was made a 16-bit one by repeating it.
+  if (image.precision == 8) {
+    for (uint16_t& sample : image.samples) sample >>= 8;
+  }
   return image.channels % 2 == 0 ? overWhite(image) : image;
 }
 
-void writePng(const Image& image, OutputFile& file) {
+template <class Sample>
+void writePng(const BasicImage<Sample>& image, OutputFile& file) {
   Message message;
   png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &message, keepMessage, ignoreWarning);
   if (!png) throw Error("libpng could not start");
@@ -120,5 +133,8 @@ void writePng(const Image& image, OutputFile& file) {
   png_destroy_write_struct(&png, &info);
   if (!done) throw Error(message.text);
 }
+
+template void writePng(const Image&, OutputFile&);
+template void writePng(const DeepImage&, OutputFile&);
 
 }  // namespace examples

@@ -1,5 +1,6 @@
 // zorj-demo: takes a picture through the example codecs, checks the results with an independent decoder, and measures.
 #include <turbojpeg.h>
+#include <zorcore.h>
 
 #include <algorithm>
 #include <chrono>
@@ -94,8 +95,8 @@ struct Setting {
 };
 constexpr Setting kSettings[] = {
     {"444", jpeg::Sampling::s444, 95}, {"444", jpeg::Sampling::s444, 90}, {"444", jpeg::Sampling::s444, 75},
-    {"422", jpeg::Sampling::s422, 90}, {"411", jpeg::Sampling::s411, 90}, {"411", jpeg::Sampling::s411, 75},
-    {"411", jpeg::Sampling::s411, 50},
+    {"422", jpeg::Sampling::s422, 90}, {"420", jpeg::Sampling::s420, 90}, {"420", jpeg::Sampling::s420, 75},
+    {"420", jpeg::Sampling::s420, 50},
 };
 
 // One line of the table. Returns whether the independent decoder agrees.
@@ -104,7 +105,7 @@ bool demonstrate(const Image& image, const Setting& setting, const std::filesyst
   std::vector<uint8_t> file;
   Image decoded;
   const double encodeSeconds = medianSeconds([&] { jpeg::encode(image, options, file); });
-  const double decodeSeconds = medianSeconds([&] { jpeg::decode(file, decoded); });
+  const double decodeSeconds = medianSeconds([&] { jpeg::decode(file, {}, decoded); });
   const int difference = largestDifference(file);
   const double pixels = static_cast<double>(image.width) * image.height, bytes = static_cast<double>(file.size());
   std::printf("%8s %8d %10.1f KB %10.2f %9.2f dB %8.1f MP/s %8.1f MP/s %8d %s\n", setting.name, setting.quality,
@@ -120,6 +121,31 @@ bool demonstrate(const Image& image, const Setting& setting, const std::filesyst
   return difference <= 1;
 }
 
+// The ways there are to decode a file, which all start from the same coefficients.
+void demonstrateDecoding(const Image& image, int threads, const std::filesystem::path& directory) {
+  const struct {
+    std::string name;
+    jpeg::DecodeOptions options;
+  } ways[] = {{"triangle", {}},
+              {"box", {jpeg::Upsampling::box}},
+              {"1/2", {jpeg::Upsampling::triangle, 2}},
+              {"1/4", {jpeg::Upsampling::triangle, 4}},
+              {"1/8", {jpeg::Upsampling::triangle, 8}},
+              {std::to_string(threads) + " threads", {jpeg::Upsampling::triangle, 1, threads}}};
+  std::vector<uint8_t> file;
+  jpeg::encode(image, {90, jpeg::Sampling::s420, (image.width + 15) / 16}, file);
+  std::printf("\nDecoding of 420 at quality 90 with restart markers, in pixels of the whole picture:\n\n");
+  for (const auto& way : ways) {
+    Image decoded;
+    const double seconds = medianSeconds([&] { jpeg::decode(file, way.options, decoded); });
+    std::printf("%10s %5d x %-5d %9.2f ms %8.1f MP/s\n", way.name.c_str(), decoded.width, decoded.height, seconds * 1e3,
+                static_cast<double>(image.width) * image.height / seconds / 1e6);
+    if (way.options.scale > 1) {
+      examples::writeImage(directory / ("420-q90-of-" + std::to_string(way.options.scale) + ".png"), decoded);
+    }
+  }
+}
+
 int run(const std::string& picture, const std::filesystem::path& directory) {
   const Image image = examples::readImage(picture);
   std::filesystem::create_directories(directory);
@@ -127,8 +153,11 @@ int run(const std::string& picture, const std::filesystem::path& directory) {
               image.height, static_cast<double>(image.width) * image.height / 1e6);
   std::printf("%8s %8s %13s %10s %12s %13s %13s %8s\n", "sampling", "quality", "size", "bits/pixel", "PSNR", "encode",
               "decode", "check*");
+  const int threads = ownGetNumThreads();
+  zorSetNumThreads(1);
   bool agrees = true;
   for (const Setting& setting : kSettings) agrees &= demonstrate(image, setting, directory);
+  demonstrateDecoding(image, threads, directory);
   std::printf(
       "\n* Largest difference of a decoded sample from libjpeg-turbo's; at most 1 is within rounding.\n"
       "The files and their decoded pictures are in %s.\n",

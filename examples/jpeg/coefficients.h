@@ -68,4 +68,23 @@ struct McuBlock {
 std::vector<McuBlock> interleavedMcu(const Frame& frame, std::span<const size_t> components, McuArray& mcus,
                                      int32_t mcuColumn, int32_t mcuRow);
 
+// Calls run(mcu, count) for each row of MCUs of a scan of these components: `count` MCUs, each of these blocks. The MCU
+// of a lone component is one block, and the image has no more of them than it needs (T.81 A.2.2).
+template <class Run>
+void forEachMcuRow(CoefficientImage& image, const std::vector<size_t>& components, const Run& run) {
+  const Frame& frame = image.frame;
+  if (components.size() > 1) {
+    for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
+      run(std::span<const McuBlock>(interleavedMcu(frame, components, image.mcus, 0, row)), frame.mcusWide());
+    }
+    return;
+  }
+  const Component& component = frame.components[components[0]];
+  const Blocks blocks = image.mcus.blocks(components[0], 0, 0);
+  for (int32_t row = 0; row < frame.blocksHigh(component); ++row) {
+    const McuBlock block{&blocks.at(0, row), 1, 0};
+    run(std::span(&block, 1), frame.blocksWide(component));
+  }
+}
+
 }  // namespace examples::jpeg

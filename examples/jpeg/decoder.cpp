@@ -3,165 +3,176 @@
 #include <algorithm>
 
 #include "common/error.h"
+#include "common/image_file.h"
 #include "jpeg/codec.h"
+#include "jpeg/damage.h"
+#include "jpeg/deep_pixels.h"
 #include "jpeg/inverse_transform.h"
+#include "jpeg/lone_scan.h"
+#include "jpeg/lossless_decoder.h"
 #include "jpeg/marker_reader.h"
+#include "jpeg/parallel.h"
 #include "jpeg/scan_decoder.h"
 
 namespace examples::jpeg {
 namespace {
 
-// As many MCUs go through entropy decoding and transform at a time as stay in the nearest caches.
-constexpr int32_t kRunMcus = 32;
-
-// Sums up what is missing.
-class Damage {
- public:
-  void count(int64_t lostMcus, int64_t allMcus) {
-    lost_ += lostMcus;
-    all_ += allMcus;
-  }
-  void note(const std::string& problem) {
-    if (problem_.empty()) problem_ = problem;
-  }
-  DecodeReport report() const {
-    if (lost_ == 0) return {problem_};
-    const int64_t percent = std::clamp<int64_t>(lost_ * 100 / all_, 1, 99);
-    const std::string share = lost_ == all_ ? "all" : "about " + std::to_string(percent) + " %";
-    return {(problem_.empty() ? "damaged data" : problem_) + ": " + share + " of the image data is lost"};
-  }
-
- private:
-  int64_t lost_ = 0;
-  int64_t all_ = 0;
-  std::string problem_;
-};
-
-std::vector<DecodeTables> scanTables(const MarkerReader& reader) {
-  std::vector<DecodeTables> tables;
-  for (const ScanComponent& component : reader.scan()) {
-    tables.push_back({reader.dcSpec(component), reader.acSpec(component)});
-  }
-  return tables;
-}
-
-std::vector<size_t> scanComponents(const MarkerReader& reader) {
-  std::vector<size_t> components;
-  for (const ScanComponent& component : reader.scan()) components.push_back(component.component);
-  return components;
-}
-
 ScanDecoder startScan(const MarkerReader& reader, std::array<QuantTable, kMaxComponents>& quantTables) {
-  for (const size_t component : scanComponents(reader)) quantTables[component] = reader.quantTable(component);
-  return ScanDecoder(reader.file(), reader.position(), scanTables(reader), reader.restartInterval());
+  reader.takeQuantTables(quantTables);
+  return ScanDecoder(reader.file(), reader.position(), reader.frame().process, reader.scan(), reader.scanTables(),
+                     reader.restartInterval());
 }
 
 void readFirstScan(MarkerReader& reader) {
   if (!reader.nextScan()) throw Error("the file has no image data");
 }
 
-// Reads on after a scan: true at another one. Damage of the headers from here on leaves what was decoded.
-bool nextScan(MarkerReader& reader, const ScanDecoder& done, Damage& damage) {
-  reader.resumeAt(done.end());
-  try {
-    return reader.nextScan();
-  } catch (const Error& error) {
-    damage.note(error.what());
-    return false;
-  }
-}
-
-// A file whose one scan holds all components: no more than a run of MCUs is kept of its coefficients.
-DecodeReport decodeDirectly(MarkerReader& reader, Image& image) {
-  const Frame& frame = reader.frame();
-  std::array<QuantTable, kMaxComponents> quantTables{};
-  ScanDecoder scan = startScan(reader, quantTables);
-  InverseTransform transform(frame, quantTables, image);
-  McuArray run(frame, kRunMcus, 1);
-  const std::vector<McuBlock> inScan = interleavedMcu(frame, scanComponents(reader), run, 0, 0);
-  const std::vector<McuBlock> inFrame = interleavedMcu(frame, frame.allComponents(), run, 0, 0);
-  for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
-    for (int32_t column = 0; column < frame.mcusWide(); column += kRunMcus) {
-      const int32_t count = std::min(kRunMcus, frame.mcusWide() - column);
-      scan.decode(inScan, count);
-      transform.run(column, row, count, inFrame);
-    }
-  }
-  Damage damage;
-  damage.count(scan.lostMcus(), int64_t{frame.mcusWide()} * frame.mcusHigh());
-  if (nextScan(reader, scan, damage)) damage.note("a component is coded twice");
-  return damage.report();
-}
-
 // A scan into the coefficients of the whole image.
 void decodeScan(const MarkerReader& reader, ScanDecoder& scan, CoefficientImage& image, Damage& damage) {
-  const std::vector<size_t> components = scanComponents(reader);
-  int32_t wide = image.frame.mcusWide();
-  int32_t high = image.frame.mcusHigh();
-  if (components.size() == 1) {
-    // The MCU of a lone component is one block, and the image has no more of them than it needs (T.81 A.2.2).
-    const Component& component = image.frame.components[components[0]];
-    wide = image.frame.blocksWide(component);
-    high = image.frame.blocksHigh(component);
-    const Blocks blocks = image.mcus.blocks(components[0], 0, 0);
-    for (int32_t row = 0; row < high; ++row) {
-      const McuBlock block{&blocks.at(0, row), 1, 0};
-      scan.decode({&block, 1}, wide);
-    }
-  } else {
-    for (int32_t row = 0; row < high; ++row) {
-      scan.decode(interleavedMcu(image.frame, components, image.mcus, 0, row), wide);
-    }
-  }
-  damage.count(scan.lostMcus(), int64_t{wide} * high);
+  int64_t mcus = 0;
+  forEachMcuRow(image, reader.scan().components, [&](std::span<const McuBlock> mcu, int32_t count) {
+    scan.decode(mcu, count);
+    mcus += count;
+  });
+  damage.count(scan.lostMcus(), mcus);
 }
 
-// Sequential files code every component once.
+// Which scans a file has had. Sequential ones code each component once, whole.
+class ScanRecord {
+ public:
+  explicit ScanRecord(const Frame& frame)
+      : isProgressive_(frame.process == Process::progressive),
+        coded_(frame.components.size()),
+        progress_(frame.components.size()) {}
+
+  // Throws Error if the scan cannot be decoded.
+  void add(const Scan& scan, Damage& damage) {
+    if (isProgressive_ && !progress_.add(scan)) damage.note("scans are missing or out of order");
+    for (const size_t component : scan.components) {
+      if (!isProgressive_ && coded_[component]) throw Error("a component is coded twice");
+      coded_[component] = true;
+    }
+  }
+
+  void finish(Damage& damage) const {
+    if (std::find(coded_.begin(), coded_.end(), false) != coded_.end()) damage.note("a component is missing");
+    if (isProgressive_ && !progress_.complete()) damage.note("scans are missing: the picture lacks detail");
+  }
+
+ private:
+  bool isProgressive_;
+  std::vector<bool> coded_;
+  Progress progress_;
+};
+
 Damage decodeAllScans(MarkerReader& reader, CoefficientImage& image) {
   image.frame = reader.frame();
   image.quantTables = {};
   image.mcus = McuArray(image.frame, image.frame.mcusWide(), image.frame.mcusHigh());
-  std::vector<bool> coded(image.frame.components.size());
+  ScanRecord record(image.frame);
   Damage damage;
-  bool more = true;
-  while (more) {
-    for (const size_t component : scanComponents(reader)) {
-      if (coded[component]) {
-        damage.note("a component is coded twice");
-        return damage;
-      }
-      coded[component] = true;
+  bool isFirst = true;
+  for (bool more = true; more; isFirst = false) {
+    try {
+      record.add(reader.scan(), damage);
+      ScanDecoder scan = startScan(reader, image.quantTables);
+      decodeScan(reader, scan, image, damage);
+      more = nextScan(reader, scan.end(), damage);
+    } catch (const Error& error) {
+      if (isFirst) throw;
+      damage.note(error.what());
+      return damage;
     }
-    ScanDecoder scan = startScan(reader, image.quantTables);
-    decodeScan(reader, scan, image, damage);
-    more = nextScan(reader, scan, damage);
   }
-  if (std::find(coded.begin(), coded.end(), false) != coded.end()) damage.note("a component is missing");
+  record.finish(damage);
   return damage;
 }
 
-bool holdsAllComponents(const MarkerReader& reader) { return reader.scan().size() == reader.frame().components.size(); }
+DecodeReport decodeDirectly(MarkerReader& reader, const DecodeOptions& options, Image& image) {
+  const Frame& frame = reader.frame();
+  shapeImage(frame, options, image);
+  const LoneScanEnd end = decodeLoneScan(reader, options, image);
+  Damage damage;
+  damage.count(end.lostMcus, int64_t{frame.mcusWide()} * frame.mcusHigh());
+  if (nextScan(reader, end.position, damage)) damage.note("a component is coded twice");
+  return damage.report();
+}
+
+void check(const DecodeOptions& options) {
+  const int32_t scale = options.scale;
+  if (scale != 1 && scale != 2 && scale != 4 && scale != 8) throw Error("the scale must be 1, 1/2, 1/4 or 1/8");
+  if (options.threads < 1) throw Error("there must be at least one thread");
+}
+
+// The pixels of all coefficients, in strips.
+void toPixels(CoefficientImage& coefficients, const DecodeOptions& options, Image& image) {
+  const Frame& frame = coefficients.frame;
+  shapeImage(frame, options, image);
+  const int32_t strips = std::min(options.threads, frame.mcusHigh());
+  inParallel(strips, [&](int32_t strip) {
+    const int32_t first = stripStart(frame.mcusHigh(), strips, strip);
+    const int32_t end = stripStart(frame.mcusHigh(), strips, strip + 1);
+    InverseTransform transform(frame, coefficients.quantTables, options, first, image);
+    for (int32_t row = transform.firstNeeded(); row < end; ++row) {
+      transform.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), coefficients.mcus, 0, row));
+    }
+  });
+}
+
+DecodeReport decodeDeep(MarkerReader& reader, const DecodeOptions& options, DeepImage& image) {
+  const Frame frame = reader.frame();
+  DecodeReport report;
+  if (frame.process == Process::lossless) {
+    std::vector<SamplePlane> planes;
+    report = decodeLossless(reader, planes);
+    toPixels(frame, planes, options, image);
+  } else {
+    CoefficientImage coefficients;
+    report = decodeAllScans(reader, coefficients).report();
+    toPixels(frame, inverseTransformDeep(coefficients), options, image);
+  }
+  return report;
+}
 
 }  // namespace
 
-DecodeReport decode(std::span<const uint8_t> jpeg, Image& image) {
+Frame describe(std::span<const uint8_t> jpeg) {
   MarkerReader reader(jpeg);
   readFirstScan(reader);
-  if (holdsAllComponents(reader)) return decodeDirectly(reader, image);
+  return reader.frame();
+}
 
+DecodeReport decode(std::span<const uint8_t> jpeg, const DecodeOptions& options, DeepImage& image) {
+  check(options);
+  MarkerReader reader(jpeg);
+  readFirstScan(reader);
+  return decodeDeep(reader, options, image);
+}
+
+DecodeReport decode(std::span<const uint8_t> jpeg, const DecodeOptions& options, Image& image) {
+  check(options);
+  MarkerReader reader(jpeg);
+  readFirstScan(reader);
+  const Frame& frame = reader.frame();
+  if (frame.precision != 8 || frame.process == Process::lossless) {
+    DeepImage deep;
+    const DecodeReport report = decodeDeep(reader, options, deep);
+    image = withPrecision<uint8_t>(deep, 8);
+    return report;
+  }
+  if (frame.process == Process::sequential && reader.scanHoldsAllComponents()) {
+    return decodeDirectly(reader, options, image);
+  }
   CoefficientImage coefficients;
   const Damage damage = decodeAllScans(reader, coefficients);
-  const Frame& frame = coefficients.frame;
-  InverseTransform transform(frame, coefficients.quantTables, image);
-  for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
-    transform.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), coefficients.mcus, 0, row));
-  }
+  toPixels(coefficients, options, image);
   return damage.report();
 }
 
 DecodeReport decodeCoefficients(std::span<const uint8_t> jpeg, CoefficientImage& coefficients) {
   MarkerReader reader(jpeg);
   readFirstScan(reader);
+  if (reader.frame().process == Process::lossless) throw Error("a lossless file has no coefficients");
   return decodeAllScans(reader, coefficients).report();
 }
 

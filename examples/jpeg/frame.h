@@ -17,11 +17,19 @@ struct Component {
   uint8_t quantTable = 0;  // 0 to 3
 };
 
+enum class Process { sequential, progressive, lossless };
+
+// What the components of an image are.
+enum class ColorCoding { grey, yCbCr, rgb, ycck, cmyk };
+
 struct Frame {
+  Process process = Process::sequential;
+  int32_t precision = 8;  // bits a sample
   int32_t width = 0;
   int32_t height = 0;
   std::vector<Component> components;
-  bool rgbCoded = false;  // three components that are red, green and blue
+  ColorCoding coding = ColorCoding::grey;
+  bool inverted = false;  // 0 stands for the full amount of ink, as in all CMYK files with Adobe's marker
 
   std::vector<size_t> allComponents() const {
     std::vector<size_t> all(components.size());
@@ -45,13 +53,13 @@ struct Frame {
   int32_t mcusWide() const { return divideUp(width, mcuWidth()); }
   int32_t mcusHigh() const { return divideUp(height, mcuHeight()); }
 
-  // A component in blocks, without those that only fill up the last MCUs.
-  int32_t blocksWide(const Component& component) const {
-    return divideUp(divideUp(width * component.horizontal, maxHorizontal()), 8);
+  // A component in samples, and in blocks, without those that only fill up the last MCUs.
+  int32_t samplesWide(const Component& component) const {
+    return divideUp(width * component.horizontal, maxHorizontal());
   }
-  int32_t blocksHigh(const Component& component) const {
-    return divideUp(divideUp(height * component.vertical, maxVertical()), 8);
-  }
+  int32_t samplesHigh(const Component& component) const { return divideUp(height * component.vertical, maxVertical()); }
+  int32_t blocksWide(const Component& component) const { return divideUp(samplesWide(component), 8); }
+  int32_t blocksHigh(const Component& component) const { return divideUp(samplesHigh(component), 8); }
 };
 
 }  // namespace examples::jpeg

@@ -23,6 +23,12 @@ using DecodeState = std::unique_ptr<HuffmanDecodeState, FreeBy<zoriDecodeHuffman
 EncodeSpec makeEncodeSpec(const HuffmanLists& lists);
 DecodeSpec makeDecodeSpec(const HuffmanLists& lists);
 
+// The tables that one component of a scan is coded with.
+struct DecodeTables {
+  const HuffmanDecodeSpec* dc;
+  const HuffmanDecodeSpec* ac;
+};
+
 EncodeState makeEncodeState();
 DecodeState makeDecodeState();
 

@@ -1,135 +1,113 @@
 #include "jpeg/inverse_transform.h"
 
-#include <zorj/jpeg_dct.h>
+#include <zorj/jpeg_color.h>
 
 #include <algorithm>
-#include <cstring>
 
 namespace examples::jpeg {
 namespace {
 
-uint8_t levelShifted(int16_t sample) { return static_cast<uint8_t>(std::clamp(sample + 128, 0, 255)); }
-
-// The 444 conversion's counterpart for components that are red, green and blue already.
-StatusCode ZORJ_CALL interleave(const int16_t* const planes[3], uint8_t* pixels, int32_t step) {
-  for (int32_t y = 0; y < 8; ++y, pixels += step) {
-    for (int32_t x = 0; x < 8; ++x) {
-      for (int32_t c = 0; c < 3; ++c) pixels[3 * x + c] = levelShifted(planes[c][8 * y + x]);
-    }
-  }
-  return StatusOk;
+// Rows are an odd number of cache lines apart, so that those of a block do not compete for the same lines.
+int32_t stepFor(int32_t samples) {
+  constexpr int32_t kLine = 64;
+  constexpr int32_t kMargins = 2 * kLine;
+  return (divideUp(samples + kMargins, kLine) | 1) * kLine;
 }
 
-bool hasFactors(const Component& component, int32_t horizontal, int32_t vertical) {
-  return component.horizontal == horizontal && component.vertical == vertical;
+// The pixels of samples that need no conversion.
+template <int32_t channels>
+void interleave(const uint8_t* const* planes, int32_t step, uint8_t* pixels, RoiSize size) {
+  for (int32_t y = 0; y < size.height; ++y, pixels += channels * size.width) {
+    const uint8_t* rows[channels];
+    for (int32_t c = 0; c < channels; ++c) rows[c] = planes[c] + ptrdiff_t{y} * step;
+    for (int32_t x = 0; x < size.width; ++x) {
+      for (int32_t c = 0; c < channels; ++c) pixels[channels * x + c] = rows[c][x];
+    }
+  }
+}
+
+void invert(uint8_t* samples, size_t count) {
+  for (size_t i = 0; i < count; ++i) samples[i] = static_cast<uint8_t>(~samples[i]);
+}
+
+bool interpolatesDownwards(const ComponentShape& shape) {
+  return shape.expansion == Expansion::triangleH1V2 || shape.expansion == Expansion::triangleH2V2;
 }
 
 }  // namespace
 
+void shapeImage(const Frame& frame, const DecodeOptions& options, Image& image) {
+  image.reshape(divideUp(frame.width, options.scale), divideUp(frame.height, options.scale),
+                static_cast<int32_t>(frame.components.size()));
+}
+
 InverseTransform::InverseTransform(const Frame& frame, const std::array<QuantTable, kMaxComponents>& tables,
-                                   Image& image)
-    : frame_(frame), tables_(tables), image_(image), mcuWidth_(frame.mcuWidth()), mcuHeight_(frame.mcuHeight()) {
-  const std::vector<Component>& components = frame.components;
-  image.reshape(frame.width, frame.height, components.size() == 1 ? 1 : 3);
-  if (components.size() == 1) return;
-  size_t count = 0;
-  size_t first[3];
-  for (size_t c = 0; c < 3; ++c) {
-    first[c] = count;
-    count += static_cast<size_t>(components[c].horizontal * components[c].vertical);
+                                   const DecodeOptions& options, int32_t firstMcuRow, Image& image)
+    : image_(image),
+      coding_(frame.coding),
+      inverted_(frame.inverted),
+      mcusWide_(frame.mcusWide()),
+      mcusHigh_(frame.mcusHigh()),
+      mcuHeight_(frame.mcuHeight() / options.scale),
+      firstMcuRow_(firstMcuRow) {
+  std::vector<ComponentShape> shapes;
+  for (const Component& component : frame.components) {
+    shapes.emplace_back(frame, component, options);
+    step_ = std::max(step_, stepFor(mcusWide_ * shapes.back().mcuWidth));
+    if (interpolatesDownwards(shapes.back())) delay_ = 1;
   }
-  samples_.resize(count);
-  for (size_t c = 0; c < 3; ++c) planes_[c] = samples_[first[c]].values;
-  const bool plainChroma = hasFactors(components[1], 1, 1) && hasFactors(components[2], 1, 1);
-  if (plainChroma && hasFactors(components[0], 1, 1)) {
-    convert_ = frame.rgbCoded ? interleave : zoriYCbCr444ToRGBLS_MCU_16s8u_P3C3R;
-  } else if (plainChroma && hasFactors(components[0], 2, 2) && !frame.rgbCoded) {
-    convert_ = zoriYCbCr411ToRGBLS_MCU_16s8u_P3C3R;
-  } else {
-    planPixelReplication();
-  }
+  step_ = std::max(step_, stepFor(image.width));
+  for (size_t c = 0; c < shapes.size(); ++c) planes_.emplace_back(shapes[c], tables[c], step_, image.width);
 }
 
-void InverseTransform::planPixelReplication() {
-  const int32_t maxHorizontal = frame_.maxHorizontal();
-  const int32_t maxVertical = frame_.maxVertical();
-  for (size_t c = 0; c < 3; ++c) {
-    const Component& component = frame_.components[c];
-    for (int32_t i = 0; i < mcuWidth_ * mcuHeight_; ++i) {
-      const int32_t tile = i / 64;
-      const int32_t x = tile % maxHorizontal * 8 + i % 8;
-      const int32_t y = tile / maxHorizontal * 8 + i / 8 % 8;
-      const int32_t column = x * component.horizontal / maxHorizontal;
-      const int32_t row = y * component.vertical / maxVertical;
-      const int32_t block = row / 8 * component.horizontal + column / 8;
-      positions_[c].push_back(static_cast<uint16_t>(block * 64 + row % 8 * 8 + column % 8));
-    }
-  }
-}
-
-// The statuses of the block functions tell of bad arguments only, and there are none here.
 void InverseTransform::run(int32_t mcuColumn, int32_t mcuRow, int32_t count, std::span<const McuBlock> mcu) {
-  const int32_t top = mcuRow * mcuHeight_;
-  for (int32_t i = 0; i < count; ++i) {
-    const int32_t left = (mcuColumn + i) * mcuWidth_;
-    if (frame_.components.size() == 1) {
-      greyMcu(mcu[0].ofMcu(i), left, top);
-      continue;
+  const McuBlock* block = mcu.data();
+  for (ComponentPlane& plane : planes_) {
+    const int32_t wide = plane.shape().mcuWidth / plane.shape().blockSize;
+    const int32_t high = plane.shape().mcuHeight / plane.shape().blockSize;
+    for (int32_t y = 0; y < high; ++y) {
+      for (int32_t x = 0; x < wide; ++x, ++block) {
+        for (int32_t i = 0; i < count; ++i) plane.putBlock((mcuColumn + i) * wide + x, y, block->ofMcu(i));
+      }
     }
-    Block* target = samples_.data();
-    for (const McuBlock& block : mcu) {
-      zoriDCTQuantInv8x8_JPEG_16s_C1(block.ofMcu(i), target->values, tables_[block.component].data());
-      ++target;
-    }
-    convertMcu(left, top);
+  }
+  if (mcuColumn + count == mcusWide_) finishRow(mcuRow);
+}
+
+void InverseTransform::finishRow(int32_t mcuRow) {
+  if (mcuRow >= firstMcuRow_) {
+    const int32_t first = mcuRow == 0 ? 0 : mcuRow * mcuHeight_ - delay_;
+    const int32_t end = mcuRow + 1 == mcusHigh_ ? image_.height : (mcuRow + 1) * mcuHeight_ - delay_;
+    std::array<const uint8_t*, kMaxComponents> rows{};
+    for (size_t c = 0; c < planes_.size(); ++c) rows[c] = planes_[c].expand(mcuRow, first, end);
+    convert(rows.data(), first, end - first);
+  }
+  if (delay_ != 0) {
+    for (ComponentPlane& plane : planes_) plane.keepLastRow();
   }
 }
 
-void InverseTransform::greyMcu(const int16_t* block, int32_t left, int32_t top) {
-  const uint16_t* const table = tables_[0].data();
-  if (left + 8 <= image_.width && top + 8 <= image_.height) {
-    zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(block, image_.at(left, top), image_.step(), table);
-  } else {
-    zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(block, edge_.data(), 8, table);
-    copyVisible(edge_.data(), 8, left, top, 8, 8);
+void InverseTransform::convert(const uint8_t* const* planes, int32_t firstRow, int32_t rows) {
+  uint8_t* const pixels = image_.at(0, firstRow);
+  const RoiSize size{image_.width, rows};
+  switch (coding_) {
+    case ColorCoding::yCbCr:
+      zoriYCbCrToRGB_JPEG_8u_P3C3R(planes, step_, pixels, image_.step(), size);
+      break;
+    case ColorCoding::ycck:
+      zoriYCCKToCMYK_JPEG_8u_P4C4R(planes, step_, pixels, image_.step(), size);
+      break;
+    case ColorCoding::cmyk:
+      interleave<4>(planes, step_, pixels, size);
+      break;
+    case ColorCoding::rgb:
+      interleave<3>(planes, step_, pixels, size);
+      break;
+    case ColorCoding::grey:
+      interleave<1>(planes, step_, pixels, size);
+      break;
   }
-}
-
-void InverseTransform::convertMcu(int32_t left, int32_t top) {
-  if (!convert_) {
-    for (int32_t tile = 0; tile < (mcuWidth_ / 8) * (mcuHeight_ / 8); ++tile) convertTile(tile, left, top);
-    return;
-  }
-  if (left + mcuWidth_ <= image_.width && top + mcuHeight_ <= image_.height) {
-    convert_(planes_, image_.at(left, top), image_.step());
-  } else {
-    convert_(planes_, edge_.data(), mcuWidth_ * 3);
-    copyVisible(edge_.data(), mcuWidth_ * 3, left, top, mcuWidth_, mcuHeight_);
-  }
-}
-
-// 8 x 8 pixels of an MCU: every component's samples are replicated to full resolution first.
-void InverseTransform::convertTile(int32_t tile, int32_t left, int32_t top) {
-  const int32_t tilesWide = mcuWidth_ / 8;
-  const int32_t tileLeft = left + tile % tilesWide * 8;
-  const int32_t tileTop = top + tile / tilesWide * 8;
-  if (tileLeft >= image_.width || tileTop >= image_.height) return;
-  Block replicated[3];
-  for (size_t c = 0; c < 3; ++c) {
-    const uint16_t* const positions = positions_[c].data() + ptrdiff_t{64} * tile;
-    for (int32_t i = 0; i < 64; ++i) replicated[c].values[i] = planes_[c][positions[i]];
-  }
-  const int16_t* const planes[3] = {replicated[0].values, replicated[1].values, replicated[2].values};
-  (frame_.rgbCoded ? interleave : zoriYCbCr444ToRGBLS_MCU_16s8u_P3C3R)(planes, edge_.data(), 8 * 3);
-  copyVisible(edge_.data(), 8 * 3, tileLeft, tileTop, 8, 8);
-}
-
-void InverseTransform::copyVisible(const uint8_t* pixels, int32_t step, int32_t left, int32_t top, int32_t width,
-                                   int32_t height) {
-  const size_t bytes = static_cast<size_t>(std::min(width, image_.width - left) * image_.channels);
-  for (int32_t y = 0; y < std::min(height, image_.height - top); ++y) {
-    std::memcpy(image_.at(left, top + y), pixels + ptrdiff_t{y} * step, bytes);
-  }
+  if (inverted_) invert(pixels, static_cast<size_t>(rows) * static_cast<size_t>(image_.step()));
 }
 
 }  // namespace examples::jpeg

@@ -1,7 +1,6 @@
-// From quantised coefficients to pixels, MCU by MCU.
+// From quantised coefficients to pixels, one row of MCUs after the other: blocks to samples, samples to full
+// resolution, and rows of pixels of them, while they are in the caches.
 #pragma once
-
-#include <zorj/jpeg_color.h>
 
 #include <array>
 #include <cstdint>
@@ -10,38 +9,44 @@
 
 #include "common/image.h"
 #include "jpeg/coefficients.h"
+#include "jpeg/component_plane.h"
+#include "jpeg/decode_options.h"
 
 namespace examples::jpeg {
 
+// Gives an image the size and the channels of what the frame decodes to.
+void shapeImage(const Frame& frame, const DecodeOptions& options, Image& image);
+
+// Several may work on one image at a time, each on rows of its own.
 class InverseTransform {
  public:
-  // Gives the image its size; the tables are step sizes in natural order, by component.
-  InverseTransform(const Frame& frame, const std::array<QuantTable, kMaxComponents>& tables, Image& image);
+  // Writes the rows of MCUs from the given one on into the image, which has its shape already. The tables are step
+  // sizes in natural order, by component.
+  InverseTransform(const Frame& frame, const std::array<QuantTable, kMaxComponents>& tables,
+                   const DecodeOptions& options, int32_t firstMcuRow, Image& image);
 
-  // `count` MCUs of the image from the given one on, out of these blocks, which are all components' in order.
+  // `count` MCUs from the given one on, out of these blocks, which are all components' in order. A row of MCUs comes
+  // from left to right and whole, and rows follow one another.
   void run(int32_t mcuColumn, int32_t mcuRow, int32_t count, std::span<const McuBlock> mcu);
 
+  // The row of MCUs that is to come first: the one above the first that is written, if there is one and samples are
+  // interpolated downwards. The last row of pixels of each row of MCUs waits for the next row of MCUs then.
+  int32_t firstNeeded() const { return firstMcuRow_ > 0 ? firstMcuRow_ - delay_ : 0; }
+
  private:
-  using ToPixels = StatusCode(ZORJ_CALL*)(const int16_t* const[3], uint8_t*, int32_t);
+  void finishRow(int32_t mcuRow);
+  void convert(const uint8_t* const* planes, int32_t firstRow, int32_t rows);
 
-  void planPixelReplication();
-  void greyMcu(const int16_t* block, int32_t left, int32_t top);
-  void convertMcu(int32_t left, int32_t top);
-  void convertTile(int32_t tile, int32_t left, int32_t top);
-  void copyVisible(const uint8_t* pixels, int32_t step, int32_t left, int32_t top, int32_t width, int32_t height);
-
-  const Frame& frame_;
-  const std::array<QuantTable, kMaxComponents>& tables_;
   Image& image_;
-  int32_t mcuWidth_;
-  int32_t mcuHeight_;
-  ToPixels convert_ = nullptr;     // for a whole MCU; null where tiles are converted one by one
-  std::vector<Block> samples_;     // the blocks of one MCU, transformed
-  const int16_t* planes_[3] = {};  // the first of them of each component
-  // Where the MCU's pixels find their sample of a component, 64 positions for each 8 x 8 tile of them: for samplings
-  // without a conversion of their own.
-  std::vector<uint16_t> positions_[3];
-  std::array<uint8_t, size_t{16} * 16 * 3> edge_;  // pixels that reach over the image's edge
+  ColorCoding coding_;
+  bool inverted_;
+  int32_t mcusWide_;
+  int32_t mcusHigh_;
+  int32_t mcuHeight_;  // in pixels of the image
+  int32_t firstMcuRow_;
+  int32_t step_ = 0;   // of all planes
+  int32_t delay_ = 0;  // rows of pixels: 1 if samples are interpolated downwards
+  std::vector<ComponentPlane> planes_;
 };
 
 }  // namespace examples::jpeg

@@ -49,10 +49,6 @@ constexpr int64_t kMaxPixelsPerByte = 1024;
 
 const char* unsupportedProcess(uint8_t sof) {
   switch (sof & 0x0f) {
-    case 2:
-      return "progressive JPEG is not supported";
-    case 3:
-      return "lossless JPEG is not supported";
     case 5:
     case 6:
     case 7:
@@ -118,7 +114,9 @@ void MarkerReader::readTablesOrFrame(uint8_t code) {
       return readHuffmanTables(in);
     case marker::SOF0:
     case marker::SOF1:
-      return readFrame(in);
+    case marker::SOF2:
+    case marker::SOF3:
+      return readFrame(code, in);
     case marker::DRI:
       restartInterval_ = in.word();
       return;
@@ -130,7 +128,7 @@ void MarkerReader::readTablesOrFrame(uint8_t code) {
       if (in.takeIf("Adobe", 5) && in.left() >= 7) adobeTransform_ = in.take(7)[6];
       return;
     default:
-      if (code > marker::SOF1 && code <= marker::SOF15 && code != marker::JPG && code != marker::DAC) {
+      if (code > marker::SOF3 && code <= marker::SOF15 && code != marker::JPG && code != marker::DAC) {
         throw Error(unsupportedProcess(code));
       }
   }
@@ -161,16 +159,22 @@ void MarkerReader::readHuffmanTables(ByteReader in) {
   }
 }
 
-void MarkerReader::readFrame(ByteReader in) {
+void MarkerReader::readFrame(uint8_t code, ByteReader in) {
   if (!frame_.components.empty()) throw Error("the file has more than one frame");
-  const uint8_t precision = in.byte();
-  if (precision != 8) throw Error("samples of " + std::to_string(precision) + " bits are not supported");
+  frame_.process = code == marker::SOF2   ? Process::progressive
+                   : code == marker::SOF3 ? Process::lossless
+                                          : Process::sequential;
+  frame_.precision = in.byte();
+  const bool possible = frame_.process == Process::lossless ? frame_.precision >= 2 && frame_.precision <= 16
+                                                            : frame_.precision == 8 || frame_.precision == 12;
+  if (!possible) throw Error("samples of " + std::to_string(frame_.precision) + " bits are not supported");
   frame_.height = in.word();
   frame_.width = in.word();
   if (frame_.height == 0) throw Error("the height is missing or given only after the scan, which is not supported");
   if (frame_.width == 0) throw Error("the width is missing");
   const size_t count = in.byte();
-  if (count != 1 && count != 3) throw Error("images of " + std::to_string(count) + " components are not supported");
+  if (count != 1 && count != 3 && count != 4)
+    throw Error("images of " + std::to_string(count) + " components are not supported");
   std::vector<Component> components(count);
   for (Component& component : components) {
     component.id = in.byte();
@@ -201,43 +205,62 @@ void MarkerReader::readScan(ByteReader in) {
   if (frame_.components.empty()) throw Error("a scan comes before the frame header");
   const size_t count = in.byte();
   if (count < 1 || count > frame_.components.size()) throw Error("a scan has a wrong number of components");
-  scan_.clear();
+  scan_ = {};
+  scanTables_.clear();
   for (size_t i = 0; i < count; ++i) {
     const uint8_t id = in.byte();
     const uint8_t tables = in.byte();
     const auto found = std::find_if(frame_.components.begin(), frame_.components.end(),
                                     [id](const Component& component) { return component.id == id; });
     const size_t index = static_cast<size_t>(found - frame_.components.begin());
-    const bool again = std::any_of(scan_.begin(), scan_.end(),
-                                   [index](const ScanComponent& earlier) { return earlier.component == index; });
+    const bool again = std::find(scan_.components.begin(), scan_.components.end(), index) != scan_.components.end();
     if (found == frame_.components.end() || again) throw Error("a scan names an unknown component");
-    scan_.push_back({index, tableNumber(tables >> 4), tableNumber(tables & 0x0f)});
+    scan_.components.push_back(index);
+    scanTables_.push_back({tableNumber(tables >> 4), tableNumber(tables & 0x0f)});
   }
+  scan_.first = in.byte();
+  scan_.last = in.byte();
+  const uint8_t bits = in.byte();
+  scan_.highBit = bits >> 4;
+  scan_.lowBit = bits & 0x0f;
   findColorCoding();
 }
 
-// JFIF files are YCbCr; Adobe's marker says what it is; without either, the component names may tell.
+// Three components are YCbCr in JFIF files; Adobe's marker says what they are; without either, their names may tell,
+// and lossless files hold RGB.
+// Four components are CMYK unless Adobe's marker says YCCK, and the programs that write it store all inks inverted.
 void MarkerReader::findColorCoding() {
   const std::vector<Component>& components = frame_.components;
-  if (components.size() != 3 || jfif_) return;
-  frame_.rgbCoded = adobeTransform_ ? *adobeTransform_ == 0
-                                    : components[0].id == 'R' && components[1].id == 'G' && components[2].id == 'B';
+  if (components.size() == 3) {
+    const bool named = components[0].id == 'R' && components[1].id == 'G' && components[2].id == 'B';
+    const bool lossless = frame_.process == Process::lossless;
+    const bool rgb = !jfif_ && (adobeTransform_ ? *adobeTransform_ == 0 : named || lossless);
+    frame_.coding = rgb ? ColorCoding::rgb : ColorCoding::yCbCr;
+  } else if (components.size() == 4) {
+    frame_.coding = adobeTransform_.value_or(0) == 0 ? ColorCoding::cmyk : ColorCoding::ycck;
+    frame_.inverted = adobeTransform_.has_value();
+  }
 }
 
-const QuantTable& MarkerReader::quantTable(size_t component) const {
-  const std::optional<QuantTable>& table = quant_[frame_.components[component].quantTable];
-  if (!table) throw Error("a quantisation table is missing");
-  return *table;
+std::vector<DecodeTables> MarkerReader::scanTables() const {
+  const BlockCoding coding = blockCoding(frame_.process, scan_);
+  const bool lossless = frame_.process == Process::lossless;
+  const bool needsDc = lossless || usesDcTable(coding), needsAc = !lossless && usesAcTable(coding);
+  std::vector<DecodeTables> tables;
+  for (const TableNumbers& numbers : scanTables_) {
+    const DecodeTables ofComponent{dc_[numbers.dc].get(), ac_[numbers.ac].get()};
+    if ((needsDc && !ofComponent.dc) || (needsAc && !ofComponent.ac)) throw Error("a Huffman table is missing");
+    tables.push_back(ofComponent);
+  }
+  return tables;
 }
 
-const HuffmanDecodeSpec* MarkerReader::dcSpec(const ScanComponent& component) const {
-  if (!dc_[component.dcTable]) throw Error("a Huffman table is missing");
-  return dc_[component.dcTable].get();
-}
-
-const HuffmanDecodeSpec* MarkerReader::acSpec(const ScanComponent& component) const {
-  if (!ac_[component.acTable]) throw Error("a Huffman table is missing");
-  return ac_[component.acTable].get();
+void MarkerReader::takeQuantTables(std::array<QuantTable, kMaxComponents>& tables) const {
+  for (const size_t component : scan_.components) {
+    const std::optional<QuantTable>& table = quant_[frame_.components[component].quantTable];
+    if (!table) throw Error("a quantisation table is missing");
+    tables[component] = *table;
+  }
 }
 
 }  // namespace examples::jpeg

@@ -9,16 +9,11 @@
 
 #include "jpeg/coefficients.h"
 #include "jpeg/huffman.h"
+#include "jpeg/scan.h"
 
 namespace examples::jpeg {
 
 class ByteReader;
-
-struct ScanComponent {
-  size_t component;  // index in the frame
-  uint8_t dcTable;   // 0 to 3
-  uint8_t acTable;
-};
 
 class MarkerReader {
  public:
@@ -36,20 +31,26 @@ class MarkerReader {
   std::span<const uint8_t> file() const { return file_; }
   const Frame& frame() const { return frame_; }
   int32_t restartInterval() const { return restartInterval_; }
-  const std::vector<ScanComponent>& scan() const { return scan_; }
+  bool scanHoldsAllComponents() const { return scan_.components.size() == frame_.components.size(); }
 
-  // The tables as they stand before the scan; Error for one that the file has not defined.
-  const QuantTable& quantTable(size_t component) const;
-  const HuffmanDecodeSpec* dcSpec(const ScanComponent& component) const;
-  const HuffmanDecodeSpec* acSpec(const ScanComponent& component) const;
+  // The scan, and its components' tables as they stand before it. Error for a table that it needs and the file has not
+  // defined.
+  const Scan& scan() const { return scan_; }
+  std::vector<DecodeTables> scanTables() const;
+  void takeQuantTables(std::array<QuantTable, kMaxComponents>& tables) const;
 
  private:
+  struct TableNumbers {
+    uint8_t dc;  // 0 to 3
+    uint8_t ac;
+  };
+
   uint8_t nextMarker();
   ByteReader segment();
   void readTablesOrFrame(uint8_t code);
   void readQuantTables(ByteReader in);
   void readHuffmanTables(ByteReader in);
-  void readFrame(ByteReader in);
+  void readFrame(uint8_t code, ByteReader in);
   void readScan(ByteReader in);
   void checkSize() const;
   void findColorCoding();
@@ -57,7 +58,8 @@ class MarkerReader {
   std::span<const uint8_t> file_;
   size_t position_ = 0;
   Frame frame_;
-  std::vector<ScanComponent> scan_;
+  Scan scan_;
+  std::vector<TableNumbers> scanTables_;
   std::optional<QuantTable> quant_[4];
   DecodeSpec dc_[4];
   DecodeSpec ac_[4];

@@ -5,10 +5,16 @@
 #include <span>
 #include <vector>
 
+#include "jpeg/coefficients.h"
 #include "jpeg/frame.h"
+#include "jpeg/scan.h"
 #include "jpeg/tables.h"
 
 namespace examples::jpeg {
+
+// What Adobe's marker says of the components.
+constexpr uint8_t kAdobeUnconverted = 0;  // RGB or CMYK
+constexpr uint8_t kAdobeYcck = 2;
 
 class MarkerWriter {
  public:
@@ -17,12 +23,13 @@ class MarkerWriter {
 
   void marker(uint8_t code);
   void jfif();
-  void quantTable(uint8_t destination, std::span<const uint8_t, 64> zigzag);
-  void baselineFrame(const Frame& frame);
+  void adobe(uint8_t transform);
+  // Step sizes in natural order.
+  void quantTable(uint8_t destination, const QuantTable& steps);
+  void frame(const Frame& frame);
   void huffmanTable(bool ac, uint8_t destination, const HuffmanLists& lists);
   void restartInterval(int32_t mcus);
-  // The sequential scan of all components: the first uses the tables 0, the others the tables 1.
-  void scan(const Frame& frame);
+  void scan(const Frame& frame, const Scan& scan);
 
  private:
   void segment(uint8_t code, size_t payload);

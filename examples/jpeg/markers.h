@@ -7,6 +7,8 @@ namespace examples::jpeg::marker {
 
 constexpr uint8_t SOF0 = 0xc0;  // baseline; SOF1 to SOF15 are the other processes
 constexpr uint8_t SOF1 = 0xc1;  // extended sequential
+constexpr uint8_t SOF2 = 0xc2;  // progressive
+constexpr uint8_t SOF3 = 0xc3;  // lossless
 constexpr uint8_t DHT = 0xc4;
 constexpr uint8_t JPG = 0xc8;
 constexpr uint8_t DAC = 0xcc;

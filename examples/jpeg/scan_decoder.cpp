@@ -1,79 +1,59 @@
 #include "jpeg/scan_decoder.h"
 
-#include <algorithm>
+#include <zorj/jpeg_progressive.h>
 
-#include "jpeg/markers.h"
+#include <algorithm>
+#include <utility>
 
 namespace examples::jpeg {
 
-ScanDecoder::ScanDecoder(std::span<const uint8_t> file, size_t position, std::vector<DecodeTables> tables,
-                         int32_t restartInterval)
-    : file_(file),
-      tables_(std::move(tables)),
-      length_(static_cast<int32_t>(file.size())),
-      position_(static_cast<int32_t>(position)),
-      restartInterval_(restartInterval),
-      untilRestart_(restartInterval) {
-  // Where a file is cut after 0xFF, that byte says nothing, but the bits before it are worth decoding.
-  while (length_ > position_ && file[static_cast<size_t>(length_ - 1)] == 0xff) --length_;
-}
+ScanDecoder::ScanDecoder(std::span<const uint8_t> file, size_t position, Process process, const Scan& scan,
+                         std::vector<DecodeTables> tables, int32_t restartInterval, int64_t segment)
+    : data_(file, position, restartInterval, segment),
+      coding_(blockCoding(process, scan)),
+      scan_(scan),
+      tables_(std::move(tables)) {}
 
 void ScanDecoder::decode(std::span<const McuBlock> mcu, int32_t count) {
   for (int32_t i = 0; i < count; ++i) {
-    if (restartInterval_ > 0) {
-      if (untilRestart_ == 0) restart();
-      --untilRestart_;
-    }
-    if (!lost_ && decodeMcu(mcu, i)) continue;
-    lost_ = true;
+    if (std::exchange(begun_, true) && data_.advance()) std::fill(std::begin(lastDc_), std::end(lastDc_), int16_t{0});
+    if (!data_.lost() && decodeMcu(mcu, i)) continue;
+    data_.lose();
     ++lostMcus_;
+    if (coding_ != BlockCoding::sequential) continue;
     for (const McuBlock& block : mcu) std::fill_n(block.ofMcu(i), 64, int16_t{0});
   }
 }
 
 bool ScanDecoder::decodeMcu(std::span<const McuBlock> mcu, int32_t index) {
   for (const McuBlock& block : mcu) {
-    const DecodeTables& tables = tables_[block.component];
-    const StatusCode status =
-        zoriDecodeHuffman8x8_JPEG_1u16s_C1(file_.data(), length_, &position_, block.ofMcu(index),
-                                           &lastDc_[block.component], &marker_, tables.dc, tables.ac, state_.get());
-    if (status != StatusOk) return false;
+    if (decodeBlock(block.ofMcu(index), block.component) != StatusOk) return false;
   }
   return true;
 }
 
-// Goes to the marker that ends this segment. Restart markers count modulo 8: one of the next few numbers means that
-// segments in between are lost, and stays until its turn; another is a stray one, and is passed over.
-void ScanDecoder::restart() {
-  untilRestart_ = restartInterval_;
-  const int32_t expected = restartNumber_;
-  restartNumber_ = (restartNumber_ + 1) % 8;
-  lost_ = true;
-  while (marker_ != 0 || findMarker()) {
-    if (!marker::isRestart(marker_)) return;
-    const int32_t ahead = (marker_ - marker::RST0 - expected + 8) % 8;
-    if (ahead == 0) lost_ = false;
-    if (ahead < 4) break;
-    marker_ = 0;
+StatusCode ScanDecoder::decodeBlock(int16_t* block, size_t component) {
+  const DecodeTables& tables = tables_[component];
+  EntropySegments& d = data_;
+  HuffmanDecodeState* const state = d.state.get();
+  switch (coding_) {
+    case BlockCoding::sequential:
+      return zoriDecodeHuffman8x8_JPEG_1u16s_C1(d.bytes, d.length, &d.position, block, &lastDc_[component], &d.marker,
+                                                tables.dc, tables.ac, state);
+    case BlockCoding::dcFirst:
+      return zoriDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(d.bytes, d.length, &d.position, block, &lastDc_[component],
+                                                        &d.marker, scan_.lowBit, tables.dc, state);
+    case BlockCoding::dcRefine:
+      return zoriDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(d.bytes, d.length, &d.position, block, &d.marker, scan_.lowBit,
+                                                         state);
+    case BlockCoding::acFirst:
+      return zoriDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(d.bytes, d.length, &d.position, block, &d.marker, scan_.first,
+                                                        scan_.last, scan_.lowBit, tables.ac, state);
+    case BlockCoding::acRefine:
+      return zoriDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(d.bytes, d.length, &d.position, block, &d.marker, scan_.first,
+                                                         scan_.last, scan_.lowBit, tables.ac, state);
   }
-  if (lost_) return;
-  marker_ = 0;
-  zoriDecodeHuffmanStateInit_JPEG_8u(state_.get());
-  std::fill(std::begin(lastDc_), std::end(lastDc_), int16_t{0});
+  return StatusBadArgument;
 }
-
-bool ScanDecoder::findMarker() {
-  for (; position_ + 1 < length_; ++position_) {
-    const uint8_t* const at = file_.data() + position_;
-    if (at[0] == 0xff && at[1] != 0x00 && at[1] != 0xff) {
-      marker_ = at[1];
-      position_ += 2;
-      return true;
-    }
-  }
-  return false;
-}
-
-size_t ScanDecoder::end() const { return static_cast<size_t>(marker_ != 0 ? position_ - 2 : position_); }
 
 }  // namespace examples::jpeg

@@ -1,5 +1,7 @@
 #include "jpeg/scan_encoder.h"
 
+#include <zorj/jpeg_progressive.h>
+
 #include <algorithm>
 #include <limits>
 
@@ -9,8 +11,11 @@
 namespace examples::jpeg {
 namespace {
 
-// 20 bits for the DC difference, 63 times 26 for AC codes and values, every byte stuffed.
-constexpr size_t kMaxBlockBytes = 2 * ((20 + 63 * 26 + size_t{7}) / 8);
+// 20 bits for the DC difference, 63 times 26 for AC codes and values, every byte stuffed; 12-bit samples have 4 bits
+// more.
+constexpr size_t kMaxBlockBytes = 2 * ((24 + 63 * 30 + size_t{7}) / 8);
+// An end-of-band run with the refinement bits it holds back.
+constexpr size_t kMaxRunBytes = 2 * ((30 + 1000 + size_t{7}) / 8);
 // A restart marker with the byte it completes, stuffed.
 constexpr size_t kMaxRestartBytes = 4;
 // The block encoder is quicker while it has room to spare.
@@ -18,8 +23,11 @@ constexpr size_t kSpareBytes = 32;
 
 }  // namespace
 
-ScanEncoder::ScanEncoder(std::vector<uint8_t>& file, std::vector<EncodeTables> tables, int32_t restartInterval)
+ScanEncoder::ScanEncoder(std::vector<uint8_t>& file, Process process, const Scan& scan,
+                         std::vector<EncodeTables> tables, int32_t restartInterval)
     : file_(file),
+      coding_(blockCoding(process, scan)),
+      scan_(scan),
       tables_(std::move(tables)),
       position_(static_cast<int32_t>(file.size())),
       restartInterval_(restartInterval),
@@ -29,12 +37,34 @@ void ScanEncoder::makeRoom(size_t bytes) {
   const size_t needed = static_cast<size_t>(position_) + bytes;
   if (needed > std::numeric_limits<int32_t>::max()) throw Error("the file would be larger than 2 GiB");
   if (file_.size() < needed) file_.resize(std::max(needed, file_.size() + file_.size() / 2));
+  length_ = static_cast<int32_t>(std::min<size_t>(file_.size(), std::numeric_limits<int32_t>::max()));
 }
 
-void ScanEncoder::flush() {
-  zoriEncodeHuffman8x8_JPEG_16s1u_C1(nullptr, file_.data(), static_cast<int32_t>(file_.size()), &position_, nullptr,
-                                     nullptr, nullptr, state_.get(), 1);
+StatusCode ScanEncoder::code(const int16_t* block, size_t component, int32_t flush) {
+  const EncodeTables& tables = tables_[component];
+  int16_t* const lastDc = &lastDc_[component];
+  uint8_t* const bytes = file_.data();
+  switch (coding_) {
+    case BlockCoding::sequential:
+      return zoriEncodeHuffman8x8_JPEG_16s1u_C1(block, bytes, length_, &position_, lastDc, tables.dc, tables.ac,
+                                                state_.get(), flush);
+    case BlockCoding::dcFirst:
+      return zoriEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(block, bytes, length_, &position_, lastDc, scan_.lowBit,
+                                                        tables.dc, state_.get(), flush);
+    case BlockCoding::dcRefine:
+      return zoriEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(block, bytes, length_, &position_, scan_.lowBit, state_.get(),
+                                                         flush);
+    case BlockCoding::acFirst:
+      return zoriEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(block, bytes, length_, &position_, scan_.first, scan_.last,
+                                                        scan_.lowBit, tables.ac, state_.get(), flush);
+    case BlockCoding::acRefine:
+      return zoriEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(block, bytes, length_, &position_, scan_.first, scan_.last,
+                                                         scan_.lowBit, tables.ac, state_.get(), flush);
+  }
+  return StatusBadArgument;
 }
+
+void ScanEncoder::flush() { code(nullptr, 0, 1); }
 
 void ScanEncoder::restart() {
   flush();
@@ -46,27 +76,69 @@ void ScanEncoder::restart() {
 }
 
 void ScanEncoder::encode(std::span<const McuBlock> mcu, int32_t count) {
-  makeRoom(static_cast<size_t>(count) * (mcu.size() * kMaxBlockBytes + kMaxRestartBytes) + kSpareBytes);
-  uint8_t* const bytes = file_.data();
-  const int32_t length = static_cast<int32_t>(std::min<size_t>(file_.size(), std::numeric_limits<int32_t>::max()));
+  makeRoom(static_cast<size_t>(count) * (mcu.size() * kMaxBlockBytes + kMaxRestartBytes) + kMaxRunBytes + kSpareBytes);
   for (int32_t i = 0; i < count; ++i) {
     if (restartInterval_ > 0) {
       if (untilRestart_ == 0) restart();
       --untilRestart_;
     }
     for (const McuBlock& block : mcu) {
-      const EncodeTables& tables = tables_[block.component];
-      const StatusCode status = zoriEncodeHuffman8x8_JPEG_16s1u_C1(
-          block.ofMcu(i), bytes, length, &position_, &lastDc_[block.component], tables.dc, tables.ac, state_.get(), 0);
-      if (status != StatusOk) throw Error("a coefficient is too large to be coded");
+      if (code(block.ofMcu(i), block.component, 0) != StatusOk) throw Error("a coefficient is too large to be coded");
     }
   }
 }
 
 void ScanEncoder::finish() {
-  makeRoom(2);
+  makeRoom(kMaxRunBytes + 2);
   flush();
   file_.resize(static_cast<size_t>(position_));
 }
+
+ScanCounter::ScanCounter(const Frame& frame, const Scan& scan, int32_t restartInterval)
+    : coding_(blockCoding(frame.process, scan)),
+      scan_(scan),
+      restartInterval_(restartInterval),
+      untilRestart_(restartInterval) {
+  for (const size_t component : scan.components) tables_.push_back(huffmanTableOf(frame.components[component]));
+}
+
+StatusCode ScanCounter::code(const int16_t* block, size_t component, int32_t flush) {
+  int32_t* const dc = dc_[tables_[component]].data();
+  int32_t* const ac = ac_[tables_[component]].data();
+  switch (coding_) {
+    case BlockCoding::sequential:
+      return flush ? StatusOk : zoriGetHuffmanStatistics8x8_JPEG_16s_C1(block, dc, ac, &lastDc_[component]);
+    case BlockCoding::dcFirst:
+      return flush ? StatusOk
+                   : zoriGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(block, dc, &lastDc_[component], scan_.lowBit);
+    case BlockCoding::dcRefine:
+      return StatusOk;
+    case BlockCoding::acFirst:
+      return zoriGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(block, ac, scan_.first, scan_.last, scan_.lowBit,
+                                                             state_.get(), flush);
+    case BlockCoding::acRefine:
+      return zoriGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(block, ac, scan_.first, scan_.last, scan_.lowBit,
+                                                              state_.get(), flush);
+  }
+  return StatusBadArgument;
+}
+
+void ScanCounter::count(std::span<const McuBlock> mcu, int32_t count) {
+  for (int32_t i = 0; i < count; ++i) {
+    if (restartInterval_ > 0) {
+      if (untilRestart_ == 0) {
+        finish();
+        untilRestart_ = restartInterval_;
+        std::fill(std::begin(lastDc_), std::end(lastDc_), int16_t{0});
+      }
+      --untilRestart_;
+    }
+    for (const McuBlock& block : mcu) {
+      if (code(block.ofMcu(i), block.component, 0) != StatusOk) throw Error("a coefficient is too large to be coded");
+    }
+  }
+}
+
+void ScanCounter::finish() { code(nullptr, 0, 1); }
 
 }  // namespace examples::jpeg

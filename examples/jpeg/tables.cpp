@@ -1,5 +1,9 @@
 #include "jpeg/tables.h"
 
+#include <zorj/jpeg_huffman.h>
+
+#include "common/error.h"
+
 namespace examples::jpeg {
 namespace {
 
@@ -47,5 +51,12 @@ const HuffmanLists kDcHuffman[2] = {{{0, 1, 5, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 
 
 const HuffmanLists kAcHuffman[2] = {{{0, 2, 1, 3, 3, 2, 4, 3, 5, 5, 4, 4, 0, 0, 1, 125}, kAcValuesLuminance},
                                     {{0, 2, 1, 2, 4, 4, 3, 4, 7, 5, 4, 4, 0, 1, 2, 119}, kAcValuesChrominance}};
+
+OptimalLists::OptimalLists(const SymbolCounts& counts) {
+  if (zoriEncodeHuffmanRawTableInit_JPEG_8u(counts.data(), bits_.data(), values_.data()) != StatusOk) {
+    throw Error("no Huffman table fits the image");
+  }
+  for (const uint8_t ofLength : bits_) count_ += ofLength;
+}
 
 }  // namespace examples::jpeg

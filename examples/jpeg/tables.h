@@ -19,6 +19,22 @@ struct HuffmanLists {
   std::span<const uint8_t> values;
 };
 
+// How often each symbol occurs.
+using SymbolCounts = std::array<int32_t, 256>;
+
+// The best lists for such symbols, and the memory for them.
+class OptimalLists {
+ public:
+  // Throws Error if nothing was counted, or too much.
+  explicit OptimalLists(const SymbolCounts& counts);
+  HuffmanLists lists() const { return {bits_, std::span(values_.data(), count_)}; }
+
+ private:
+  std::array<uint8_t, 16> bits_{};
+  std::array<uint8_t, 256> values_{};
+  size_t count_ = 0;
+};
+
 // T.81 Tables K.3 to K.6: luminance, chrominance.
 extern const HuffmanLists kDcHuffman[2];
 extern const HuffmanLists kAcHuffman[2];

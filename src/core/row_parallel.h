@@ -16,9 +16,9 @@ inline constexpr int64_t kSerialPixelLimit = 8192;
 // large. `row` may not fail.
 template <class Row>
 void forEachRow(RoiSize size, const Row& row) {
-  [[maybe_unused]] const int threads = ownGetNumThreads();
+  const int threads = ownGetNumThreads();
   const bool large = int64_t{size.width} * size.height > kSerialPixelLimit;
-  if (!large) {
+  if (!large || threads == 1) {
     for (int32_t y = 0; y < size.height; ++y) row(y);
     return;
   }

@@ -14,6 +14,9 @@ static_assert(std::endian::native == std::endian::little);
 inline uint64_t loadBigEndian64(const uint8_t* from) {
   return __builtin_bswap64(loadUnaligned(reinterpret_cast<const uint64_t*>(from)));
 }
+inline uint32_t loadBigEndian32(const uint8_t* from) {
+  return __builtin_bswap32(loadUnaligned(reinterpret_cast<const uint32_t*>(from)));
+}
 inline void storeBigEndian64(uint8_t* to, uint64_t word) {
   storeUnaligned(reinterpret_cast<uint64_t*>(to), __builtin_bswap64(word));
 }

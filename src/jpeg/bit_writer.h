@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <utility>
 
 #include "core/unaligned.h"
 #include "jpeg/huffman_spec.h"
@@ -20,11 +21,24 @@ constexpr uint32_t magnitudeCategory(int32_t value) {
 // The extra bits of a value are the low bits, as many as its category has, of this (T.81 F.1.2.1.1).
 constexpr uint32_t extraBits(int32_t value) { return static_cast<uint32_t>(value + (value >> 31)); }
 
+// Makes the block's DC value, after the point transform, the last, and returns by how much it differs from the one
+// before.
+inline int32_t advanceDc(const int16_t* block, int32_t shift, int16_t& lastDc) {
+  const auto dc = static_cast<int16_t>(loadUnaligned(block) >> shift);
+  return dc - std::exchange(lastDc, dc);
+}
+
+// Where an encoder writes.
+struct Destination {
+  uint8_t* bytes;
+  int32_t length;
+  int32_t& position;
+};
+
 // Appends to a destination of limited length.
 class BitWriter {
  public:
-  BitWriter(uint8_t* dst, int32_t length, int32_t& position, HuffmanEncodeState& state)
-      : dst_(dst), length_(length), position_(position), state_(state) {}
+  BitWriter(Destination dst, HuffmanEncodeState& state) : dst_(dst), state_(state) {}
 
   // Appends the low `count` bits of `value`, 0 to 16. No bits at all is how a symbol without a code shows. A
   // destination that fills up keeps the bytes written; the pending bits stay as they were.
@@ -54,17 +68,17 @@ class BitWriter {
  private:
   // Writes a byte, and the zero that tells a data byte 0xFF from a marker.
   bool putByte(uint8_t byte) {
-    if (position_ >= length_) return false;
-    dst_[position_++] = byte;
+    if (atEnd()) return false;
+    dst_.bytes[dst_.position++] = byte;
     if (byte != 0xFF) return true;
-    if (position_ >= length_) return false;
-    dst_[position_++] = 0;
+    if (atEnd()) return false;
+    dst_.bytes[dst_.position++] = 0;
     return true;
   }
 
-  uint8_t* dst_;
-  int32_t length_;
-  int32_t& position_;
+  bool atEnd() const { return dst_.position >= dst_.length; }
+
+  Destination dst_;
   HuffmanEncodeState& state_;
 };
 

@@ -22,29 +22,6 @@ HWY_INLINE Columns shiftLeft(Columns a) {
 }
 HWY_INLINE Columns setLowestBit(Columns a) { return hn::Or(a, constant(1)); }
 
-// sum + a[2i] b[2i] + a[2i + 1] b[2i + 1], wrapping.
-HWY_INLINE hn::Vec128<int32_t> addPairProducts(hn::Vec128<int32_t> sum, hn::Vec128<int16_t> a, hn::Vec128<int16_t> b) {
-#if HWY_TARGET <= HWY_AVX3
-  return hn::Vec128<int32_t>{_mm_dpwssd_epi32(sum.raw, a.raw, b.raw)};
-#else
-  return hn::Add(sum, hn::Vec128<int32_t>{_mm_madd_epi16(a.raw, b.raw)});
-#endif
-}
-#if HWY_TARGET <= HWY_AVX2
-HWY_INLINE hn::Vec256<int32_t> addPairProducts(hn::Vec256<int32_t> sum, hn::Vec256<int16_t> a, hn::Vec256<int16_t> b) {
-#if HWY_TARGET <= HWY_AVX3
-  return hn::Vec256<int32_t>{_mm256_dpwssd_epi32(sum.raw, a.raw, b.raw)};
-#else
-  return hn::Add(sum, hn::Vec256<int32_t>{_mm256_madd_epi16(a.raw, b.raw)});
-#endif
-}
-#endif
-#if HWY_TARGET <= HWY_AVX3
-HWY_INLINE hn::Vec512<int32_t> addPairProducts(hn::Vec512<int32_t> sum, hn::Vec512<int16_t> a, hn::Vec512<int16_t> b) {
-  return hn::Vec512<int32_t>{_mm512_dpwssd_epi32(sum.raw, a.raw, b.raw)};
-}
-#endif
-
 // As many rows of the block as a vector holds, up to kRows.
 template <int kRows>
 using RowsTag = hn::CappedTag<int16_t, 8 * kRows>;

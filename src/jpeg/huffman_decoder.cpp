@@ -92,11 +92,13 @@ StatusCode decodeRow(SourceBytes& source, HuffmanDecodeState& state, int16_t* co
                                            specs);
   }
   BitReader reader(source, state);
-  for (; i < count; ++i) {
+  StatusCode status = StatusOk;
+  for (; i < count && status == StatusOk; ++i) {
     const auto c = static_cast<size_t>(i % components);
-    if (const StatusCode status = decodeDifference(reader, *specs[c], rows[c] + i / components)) return status;
+    status = decodeDifference(reader, *specs[c], rows[c] + i / components);
   }
-  return StatusOk;
+  reader.finish(source.position, source.marker, state);
+  return status;
 }
 
 }  // namespace
@@ -127,11 +129,9 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int
       huffmanDecodeKernels().block(pSrc, srcLength, *pSrcPosition, *pState, pDst, *pLastDC, *pDcSpec, *pAcSpec)) {
     return StatusOk;
   }
-  SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
-  BitReader reader(source, *pState);
+  BitReader reader({pSrc, srcLength, *pSrcPosition, *pMarker}, *pState);
   const BlockResult result = decodeBlock(reader, pDst, *pLastDC, *pDcSpec, *pAcSpec, pState->lastPosition);
-  *pSrcPosition = source.position;
-  *pMarker = source.marker;
+  reader.finish(*pSrcPosition, *pMarker, *pState);
   return result.status;
 }
 
@@ -149,11 +149,11 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pS
   state.bitBuffer = *pPrefetchedBits;
   state.bitCount = *pPrefetchedCount;
   // The caller vouches for the end: no byte position that a bit position can name reaches this length.
-  SourceBytes source = {pSrc, INT32_MAX, *pSrcBitPosition >> 3, *pMarker};
-  BitReader reader(source, state);
+  BitReader reader({pSrc, INT32_MAX, *pSrcBitPosition >> 3, *pMarker}, state);
   const BlockResult result = decodeBlock(reader, pDst, *pLastDC, *pDcSpec, *pAcSpec, state.lastPosition);
-  *pSrcBitPosition = static_cast<int32_t>(static_cast<uint32_t>(source.position) << 3) | (*pSrcBitPosition & 7);
-  *pMarker = source.marker;
+  int32_t position = 0;
+  reader.finish(position, *pMarker, state);
+  *pSrcBitPosition = static_cast<int32_t>(static_cast<uint32_t>(position) << 3) | (*pSrcBitPosition & 7);
   *pPrefetchedBits = state.bitBuffer;
   *pPrefetchedCount = state.bitCount;
   return directStatus(result);
@@ -165,11 +165,9 @@ StatusCode ZORJ_CALL zoriDecodeHuffmanOne_JPEG_1u16s_C1(const uint8_t* pSrc, int
   if (anyNull(pSrc)) return StatusNullPointer;
   if (srcLength < 1) return StatusBadSize;
   if (anyNull(pSrcPosition, pDst, pMarker, pSpec, pState)) return StatusNullPointer;
-  SourceBytes source = {pSrc, srcLength, *pSrcPosition, *pMarker};
-  BitReader reader(source, *pState);
+  BitReader reader({pSrc, srcLength, *pSrcPosition, *pMarker}, *pState);
   const StatusCode status = decodeDifference(reader, *pSpec, pDst);
-  *pSrcPosition = source.position;
-  *pMarker = source.marker;
+  reader.finish(*pSrcPosition, *pMarker, *pState);
   return status;
 }
 

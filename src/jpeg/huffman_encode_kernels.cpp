@@ -22,12 +22,12 @@ namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
 #include "jpeg/bit_buffer-inl.h"
+#include "jpeg/zigzag_masks-inl.h"
+//
 #include "jpeg/zigzag_coefficients-inl.h"
 
 // With a code of 16 bits and the extra bits of this category, two symbols fit into the accumulator beside 7 bits.
 constexpr uint32_t kLargestCategory = 12;
-constexpr uint32_t kZeroRun16 = 0xF0;
-constexpr uint32_t kEndOfBlock = 0x00;
 
 // Appends a code and the extra bits that follow it.
 HWY_INLINE void putCode(BitBuffer& buffer, TableEntry entry, uint32_t bits, uint32_t category) {
@@ -86,7 +86,7 @@ class AcEncoder {
   }
 
   BitBuffer& buffer_;
-  const ZigzagCoefficients coefficients_;
+  const ZigzagCoefficients<PointTransform::kNone> coefficients_;
   const TableEntry* codes_;
   uint64_t left_;      // zig-zag positions to do
   uint32_t next_ = 1;  // the zig-zag position after the last coefficient
@@ -100,20 +100,6 @@ HWY_INLINE bool collectBlock(BitBuffer& buffer, const int16_t* block, int32_t dc
   putValue(buffer, entry, dcDifference, category);
   buffer.store();
   return AcEncoder(buffer, block, acSpec).encode();
-}
-
-// Pending bits as the state holds them, and left-aligned as the buffer does.
-HWY_INLINE uint64_t pendingBits(const HuffmanEncodeState& state) { return uint64_t{state.accumulator} << 40; }
-
-HWY_INLINE bool commit(const BitBuffer& buffer, Destination dst, HuffmanEncodeState& state) {
-  const size_t size = buffer.size();
-  if (dst.length - dst.position < static_cast<int32_t>(2 * size)) return false;
-  dst.position = static_cast<int32_t>(copyStuffed(dst.bytes + dst.position, buffer.bytes(), size) - dst.bytes);
-  const uint32_t lastByte = size > 0 ? buffer.bytes()[size - 1] : state.accumulator >> 24;
-  state.accumulator = static_cast<uint32_t>(buffer.pending() >> 40) | lastByte << 24;
-  state.reserved = 0;
-  state.bitCount = buffer.pendingCount();
-  return true;
 }
 
 bool encodeBlock(const int16_t* block, int32_t dcDifference, const HuffmanEncodeSpec& dcSpec,

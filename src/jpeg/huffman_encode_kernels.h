@@ -2,17 +2,11 @@
 // same state behind.
 #pragma once
 
+#include "jpeg/bit_writer.h"
 #include "jpeg/huffman_spec.h"
 #include "jpeg/huffman_state.h"
 
 namespace zorj {
-
-// Where an encoder writes.
-struct Destination {
-  uint8_t* bytes;
-  int32_t length;
-  int32_t& position;
-};
 
 struct HuffmanEncodeKernels {
   // Encodes a baseline block whose DC value differs by `dcDifference` from the last. Where a symbol has no code, a

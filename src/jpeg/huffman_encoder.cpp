@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <utility>
 
 #include "core/checks.h"
 #include "core/unaligned.h"
@@ -9,9 +8,6 @@
 
 namespace zorj {
 namespace {
-
-constexpr uint32_t kEndOfBlock = 0x00;
-constexpr uint32_t kZeroRun16 = 0xF0;
 
 // A code, then the extra bits of its value.
 template <class Writer>
@@ -24,12 +20,6 @@ StatusCode putValue(Writer& writer, TableEntry entry, int32_t value, uint32_t ca
 TableEntry acEntry(const HuffmanEncodeSpec& spec, uint32_t run, uint32_t category) {
   const uint32_t symbol = (run << 4) + category;
   return symbol < 256 ? spec.codes[symbol] : TableEntry{};
-}
-
-// Makes the block's DC value the last and returns by how much it differs from the one before.
-int32_t advanceDc(const int16_t* block, int16_t& lastDc) {
-  const int16_t dc = loadUnaligned(block);
-  return dc - std::exchange(lastDc, dc);
 }
 
 template <class Writer>
@@ -98,11 +88,11 @@ StatusCode ZORJ_CALL zoriEncodeHuffman8x8_JPEG_16s1u_C1(const int16_t* pSrc, uin
   if (anyNull(pDst)) return StatusNullPointer;
   if (dstLength < 1) return StatusBadSize;
   if (anyNull(pDstPosition, pState)) return StatusNullPointer;
-  BitWriter writer(pDst, dstLength, *pDstPosition, *pState);
+  const Destination destination = {pDst, dstLength, *pDstPosition};
+  BitWriter writer(destination, *pState);
   if (flush) return writer.flush();
   if (anyNull(pSrc, pLastDC, pDcSpec, pAcSpec)) return StatusNullPointer;
-  const int32_t difference = advanceDc(pSrc, *pLastDC);
-  const Destination destination = {pDst, dstLength, *pDstPosition};
+  const int32_t difference = advanceDc(pSrc, 0, *pLastDC);
   if (huffmanEncodeKernels().block(pSrc, difference, *pDcSpec, *pAcSpec, destination, *pState)) return StatusOk;
   return encodeBlock(writer, pSrc, difference, *pDcSpec, *pAcSpec);
 }
@@ -112,7 +102,7 @@ StatusCode ZORJ_CALL zoriEncodeHuffman8x8_Direct_JPEG_16s1u_C1(const int16_t* pS
                                                                const HuffmanEncodeSpec* pDcSpec,
                                                                const HuffmanEncodeSpec* pAcSpec) {
   if (anyNull(pSrc, pDst, pDstBitPosition, pLastDC, pDcSpec, pAcSpec)) return StatusNullPointer;
-  const int32_t difference = advanceDc(pSrc, *pLastDC);
+  const int32_t difference = advanceDc(pSrc, 0, *pLastDC);
   if (huffmanEncodeKernels().directBlock(pSrc, difference, *pDcSpec, *pAcSpec, pDst, *pDstBitPosition)) return StatusOk;
   DirectBitWriter writer(pDst, *pDstBitPosition);
   encodeBlock(writer, pSrc, difference, *pDcSpec, *pAcSpec);
@@ -126,7 +116,8 @@ StatusCode ZORJ_CALL zoriEncodeHuffmanOne_JPEG_16s1u_C1(const int16_t* pSrc, uin
   if (anyNull(pDst)) return StatusNullPointer;
   if (dstLength < 1) return StatusBadSize;
   if (anyNull(pDstPosition, pState)) return StatusNullPointer;
-  BitWriter writer(pDst, dstLength, *pDstPosition, *pState);
+  const Destination destination = {pDst, dstLength, *pDstPosition};
+  BitWriter writer(destination, *pState);
   if (flush) return writer.flush();
   if (anyNull(pSrc, pSpec)) return StatusNullPointer;
   return encodeDifference(writer, loadUnaligned(pSrc), *pSpec);
@@ -140,7 +131,8 @@ StatusCode ZORJ_CALL zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(const int16_t* const p
   if (anyNull(pDst)) return StatusNullPointer;
   if (dstLength < 1) return StatusBadSize;
   if (anyNull(pDstPosition, pState)) return StatusNullPointer;
-  BitWriter writer(pDst, dstLength, *pDstPosition, *pState);
+  const Destination destination = {pDst, dstLength, *pDstPosition};
+  BitWriter writer(destination, *pState);
   if (flush) return writer.flush();
   if (anyNull(pSrc)) return StatusNullPointer;
   if (samples < 1 || components < 1) return StatusBadSize;
@@ -149,5 +141,5 @@ StatusCode ZORJ_CALL zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(const int16_t* const p
   for (int32_t c = 0; c < used; ++c) {
     if (anyNull(pSrc[c], pSpecs[c])) return StatusNullPointer;
   }
-  return encodeRow(writer, pSrc, samples, used, pSpecs, {pDst, dstLength, *pDstPosition}, *pState);
+  return encodeRow(writer, pSrc, samples, used, pSpecs, destination, *pState);
 }

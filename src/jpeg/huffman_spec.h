@@ -11,6 +11,10 @@ inline constexpr int kMaxCodeLength = 16;
 inline constexpr int kFastBits = 8;
 inline constexpr uint16_t kNoCode = 0xFFFF;  // as a largest code: no code has this length
 
+// Symbols of AC coefficients that have a meaning of their own; the others are (run of zeros << 4) + category.
+inline constexpr uint32_t kEndOfBlock = 0x00;
+inline constexpr uint32_t kZeroRun16 = 0xF0;
+
 // As one little-endian word: (length << 16) | value.
 struct TableEntry {
   uint16_t value;   // a code, right-aligned, or a symbol

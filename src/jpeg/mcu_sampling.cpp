@@ -1,24 +1,18 @@
-#include "core/checks.h"
+#include "jpeg/mcu_checks.h"
 #include "jpeg/mcu_sampling_kernels.h"
 #include "zorj/jpeg_sampling.h"
 
 namespace zorj {
 namespace {
 
-StatusCode check(const uint8_t* pixels, int32_t step, const int16_t* const mcu[3]) {
-  if (anyNull(pixels) || anyNull(mcu)) return StatusNullPointer;
-  if (step < 1) return StatusBadStep;
-  return anyNull(mcu[0], mcu[1], mcu[2]) ? StatusNullPointer : StatusOk;
-}
-
 StatusCode down(const uint8_t* src, int32_t step, int16_t* const mcu[3], McuSamplingKernels::Down kernel) {
-  const StatusCode status = check(src, step, mcu);
+  const StatusCode status = checkMcu<3>(src, step, mcu);
   if (status == StatusOk) kernel(src, step, mcu);
   return status;
 }
 
 StatusCode up(const int16_t* const mcu[3], uint8_t* dst, int32_t step, McuSamplingKernels::Up kernel) {
-  const StatusCode status = check(dst, step, mcu);
+  const StatusCode status = checkMcu<3>(dst, step, mcu);
   if (status == StatusOk) kernel(mcu, dst, step);
   return status;
 }

@@ -62,7 +62,7 @@ class Command : public testing::Test {
 };
 
 TEST_F(Command, EncodesAndDecodes) {
-  for (const char* sampling : {"444", "422", "411"}) {
+  for (const char* sampling : {"444", "422", "420", "411"}) {
     ASSERT_EQ(run(std::string("encode in.png a.jpg --quality 95 --restart 3 --sampling ") + sampling), 0) << message();
     for (const char* name : {"b.png", "b.ppm"}) {
       ASSERT_EQ(run(std::string("decode a.jpg ") + name), 0) << message();
@@ -78,12 +78,41 @@ TEST_F(Command, EncodesAndDecodes) {
   EXPECT_EQ(examples::readImage(path("b.ppm")).channels, 3);
 }
 
+TEST_F(Command, DecodesAsAsked) {
+  ASSERT_EQ(run("encode in.png a.jpg --sampling 420 --restart 2"), 0) << message();
+  const auto decoded = [&](const std::string& options) {
+    EXPECT_EQ(run("decode a.jpg b.ppm " + options), 0) << options << ": " << message();
+    return examples::readImage(path("b.ppm"));
+  };
+  const Image usual = decoded("");
+  EXPECT_EQ(decoded("--upsample triangle --scale 1 --threads 1").samples, usual.samples);
+  EXPECT_EQ(decoded("--threads 3").samples, usual.samples);
+  EXPECT_NE(decoded("--upsample box").samples, usual.samples);
+  EXPECT_EQ(decoded("--scale 1/2").width, 35);
+  EXPECT_EQ(decoded("--scale 1/4").width, 18);
+  EXPECT_EQ(decoded("--scale 1/8").height, 7);
+}
+
+TEST_F(Command, CodesCmyk) {
+  const Image cmyk = picture(70, 50, 4);
+  examples::writeImage(path("in.pam"), cmyk);
+  for (const char* options : {"", "--sampling 420", "--no-conversion"}) {
+    ASSERT_EQ(run(std::string("encode in.pam a.jpg --quality 95 ") + options), 0) << message();
+    ASSERT_EQ(run("decode a.jpg b.pam"), 0) << message();
+    EXPECT_GT(psnr(examples::readImage(path("b.pam")), cmyk), 20) << options;
+    ASSERT_EQ(run("decode a.jpg b.png"), 0) << message();
+    EXPECT_EQ(examples::readImage(path("b.png")).samples,
+              examples::cmykToRgb(examples::readImage(path("b.pam"))).samples);
+  }
+}
+
 TEST_F(Command, RefusesBadCommandLines) {
   for (const char* arguments :
        {"", "encode", "encode in.png", "transmogrify in.png a.jpg", "encode in.png a.jpg --quality 0",
         "encode in.png a.jpg --quality 101", "encode in.png a.jpg --quality good", "encode in.png a.jpg --sampling 410",
         "encode in.png a.jpg --sampling 1", "encode in.png a.jpg --restart -1", "encode in.png a.jpg --fast",
-        "decode a.jpg b.png c.png"}) {
+        "decode a.jpg b.png c.png", "decode a.jpg b.png --scale 1/3", "decode a.jpg b.png --upsample linear",
+        "decode a.jpg b.png --threads 0"}) {
     expectFailure(arguments, 2, "");
   }
   EXPECT_EQ(run("encode --help"), 0);

@@ -29,14 +29,14 @@ TEST(Damage, TruncatedAnywhereDecodesAsFarAsItGoes) {
     settings.restartInterval = settings.restartInterval == 0 ? 4 : 0;
     const std::vector<uint8_t> file = peerEncode(picture(33, 29, 3), settings);
     Image whole;
-    ASSERT_TRUE(jpeg::decode(file, whole).complete());
+    ASSERT_TRUE(jpeg::decode(file, {}, whole).complete());
     int equal = 0;
     bool refused = true;
     for (size_t length = 0; length < file.size(); ++length) {
       const std::vector<uint8_t> part(file.begin(), file.begin() + static_cast<ptrdiff_t>(length));
       Image image;
       try {
-        EXPECT_FALSE(jpeg::decode(part, image).complete()) << length;
+        EXPECT_FALSE(jpeg::decode(part, {}, image).complete()) << length;
         refused = false;
       } catch (const examples::Error&) {
         EXPECT_TRUE(refused) << "a longer part is refused: " << length;
@@ -76,7 +76,7 @@ std::vector<Segment> restartSegments(const std::vector<uint8_t>& file) {
 // One row of MCUs to a restart segment: rows outside the damaged segments stay as they were.
 void expectOtherRowsIntact(const std::vector<uint8_t>& damaged, const Image& whole, int firstBad, int lastBad) {
   Image image;
-  EXPECT_FALSE(jpeg::decode(damaged, image).complete());
+  EXPECT_FALSE(jpeg::decode(damaged, {}, image).complete());
   for (int y = 0; y < whole.height; ++y) {
     if (y / 8 >= firstBad && y / 8 <= lastBad) continue;
     ASSERT_TRUE(std::equal(whole.at(0, y), whole.at(0, y) + whole.step(), image.at(0, y))) << "row " << y;
@@ -88,7 +88,7 @@ TEST(Damage, RestartMarkersLimitIt) {
   std::vector<uint8_t> file;
   jpeg::encode(source, {80, jpeg::Sampling::s444, 5}, file);
   Image whole;
-  ASSERT_TRUE(jpeg::decode(file, whole).complete());
+  ASSERT_TRUE(jpeg::decode(file, {}, whole).complete());
   const std::vector<Segment> segments = restartSegments(file);
   ASSERT_EQ(segments.size(), 20u);
   const auto offset = [&](size_t position) { return file.begin() + static_cast<ptrdiff_t>(position); };
@@ -116,25 +116,30 @@ TEST(Damage, RestartMarkersLimitIt) {
   }
 }
 
+// And threads find the same damage as one alone.
 TEST(Damage, RandomBytesNeverCrash) {
   Random random(11);
   PeerSettings settings;
-  Image image;
+  Image image, same;
   jpeg::CoefficientImage coefficients;
   for (int round = 0; round < 3000; ++round) {
-    settings.factors[0] = {1 + round % 2, 1 + round / 2 % 2};
+    const int32_t channels = round % 7 == 0 ? 4 : 3;
+    settings.factors = {{1 + round % 2, 1 + round / 2 % 2}, {1, 1}, {1, 1}, {1, 1}};
     settings.restartInterval = round % 3;
     settings.scans = round % 5 == 0 ? std::vector<std::vector<int>>{{0}, {1}, {2}} : std::vector<std::vector<int>>{};
-    static std::vector<uint8_t> files[60];
-    std::vector<uint8_t>& original = files[round % 60];
-    if (original.empty()) original = peerEncode(picture(30, 20, 3), settings);
+    if (channels == 4) settings.scans.clear();
+    static std::vector<uint8_t> files[420];
+    std::vector<uint8_t>& original = files[round % 420];
+    if (original.empty()) original = peerEncode(picture(30, 40, channels), settings);
     std::vector<uint8_t> file = original;
     for (int64_t i = random.between(1, 10); i > 0; --i) {
       const size_t at = static_cast<size_t>(random.between(2, static_cast<int64_t>(file.size()) - 1));
       file[at] = random.oneIn(4) ? uint8_t{0xff} : static_cast<uint8_t>(random.next());
     }
     try {
-      jpeg::decode(file, image);
+      const jpeg::DecodeReport report = jpeg::decode(file, {jpeg::Upsampling::triangle, 1 << round % 4}, image);
+      EXPECT_EQ(jpeg::decode(file, {jpeg::Upsampling::triangle, 1 << round % 4, 3}, same).problem, report.problem);
+      ASSERT_EQ(same.samples, image.samples) << round;
       jpeg::decodeCoefficients(file, coefficients);
       jpeg::inverseTransform(coefficients);
     } catch (const examples::Error&) {
@@ -149,7 +154,7 @@ TEST(Damage, RefusesImagesFarLargerThanTheirFile) {
   ASSERT_NE(found, file.end());
   std::fill_n(found + 5, 4, uint8_t{0xff});
   Image image;
-  EXPECT_THROW(jpeg::decode(file, image), examples::Error);
+  EXPECT_THROW(jpeg::decode(file, {}, image), examples::Error);
   EXPECT_EQ(image.samples.size(), 0u);
 }
 

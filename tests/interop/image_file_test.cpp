@@ -30,11 +30,64 @@ TEST(ImageFile, ReadsPnmHeaders) {
   EXPECT_EQ(readBytes("P5\n2 1\n255\n\x01#").samples, (Samples{1, '#'}));
   EXPECT_EQ(readBytes("P5 # a comment 7\n2#\n\t1 255 \n ").samples, (Samples{'\n', ' '}));
   EXPECT_EQ(readBytes("P6 1 1 255\rabc").samples, (Samples{'a', 'b', 'c'}));
-  for (const char* bad :
-       {"P5", "P5 2 1 255\nx", "P5 2 1 65535\nxxxx", "P5 0 1 255\n", "P5 2 x 255\nxx", "P3 1 1 255 1 1 1",
-        "P5 -1 1 255\nx", "P5 99999999999999999999 1 255\nx", "P5 16777216 16777216 255\nx", "P5 1 #"}) {
+  for (const char* bad : {"P5", "P5 2 1 255\nx", "P5 2 1 65536\nxxxx", "P5 2 1 65535\nxxx", "P5 1 1 100\ne",
+                          "P5 0 1 255\n", "P5 2 x 255\nxx", "P3 1 1 255 1 1 1", "P5 -1 1 255\nx",
+                          "P5 99999999999999999999 1 255\nx", "P5 16777216 16777216 255\nx", "P5 1 #"}) {
     EXPECT_THROW(readBytes(bad), std::runtime_error) << bad;
   }
+}
+
+TEST(ImageFile, KeepsDeepSamples) {
+  for (const int32_t precision : {1, 7, 8, 9, 12, 16}) {
+    for (const char* const name : {"deep.pgm", "deep.pam", "deep.png"}) {
+      DeepImage image(5, 1, 1);
+      image.precision = precision;
+      const auto largest = static_cast<uint16_t>(image.largest());
+      image.samples = {0, 1, largest, static_cast<uint16_t>(largest / 2), static_cast<uint16_t>(largest / 3)};
+      examples::writeImage(temporary(name), image);
+      const DeepImage read = examples::readDeepImage(temporary(name));
+      if (name != std::string("deep.png")) {
+        EXPECT_EQ(read.precision, precision);
+        EXPECT_EQ(read.samples, image.samples);
+      } else {
+        EXPECT_EQ(read.precision, precision <= 8 ? 8 : 16);
+        EXPECT_EQ(examples::withPrecision<uint16_t>(read, precision).samples, image.samples);
+      }
+      std::filesystem::remove(temporary(name));
+    }
+  }
+}
+
+TEST(ImageFile, ScalesSamples) {
+  using Samples = std::vector<uint8_t>;
+  EXPECT_EQ(readBytes("P5 3 1 65535\n" + std::string("\0\0\x80\0\xff\xff", 6)).samples, (Samples{0, 128, 255}));
+  EXPECT_EQ(readBytes("P5 3 1 15\n" + std::string("\0\x07\x0f", 3)).samples, (Samples{0, 119, 255}));
+  EXPECT_EQ(readBytes("P5 2 1 100\n" + std::string("\x32\x64")).samples, (Samples{128, 255}));
+}
+
+TEST(ImageFile, ReadsAndWritesPam) {
+  const Image cmyk = readBytes("P7\n# ink\nWIDTH 1\nHEIGHT 2\nDEPTH 4\nMAXVAL 255\nTUPLTYPE CMYK\nENDHDR\nabcd#fgh");
+  EXPECT_EQ(cmyk.samples, (std::vector<uint8_t>{'a', 'b', 'c', 'd', '#', 'f', 'g', 'h'}));
+  for (const int32_t channels : {1, 3, 4}) {
+    const std::string path = temporary("written.pam");
+    examples::writeImage(path, picture(5, 3, channels));
+    EXPECT_EQ(examples::readImage(path).channels, channels);
+    EXPECT_EQ(examples::readImage(path).samples, picture(5, 3, channels).samples);
+    std::filesystem::remove(path);
+  }
+  const std::string start = "P7\nWIDTH 1\nHEIGHT 1\nMAXVAL 255\n";
+  for (const char* bad : {"", "DEPTH 4\nENDHDR\nabcd", "DEPTH 4\nTUPLTYPE RGB_ALPHA\nENDHDR\nabcd",
+                          "DEPTH 3\nTUPLTYPE CMYK\nENDHDR\nabcd", "DEPTH 4\nTUPLTYPE CMYK\nENDHDR\nabc",
+                          "DEPTH 4\nTUPLTYPE CMYK\nCOLOR 1\nENDHDR\nabcd", "DEPTH 2\nTUPLTYPE \nENDHDR\nab"}) {
+    EXPECT_THROW(readBytes(start + bad), std::runtime_error) << bad;
+  }
+}
+
+TEST(ImageFile, MultipliesInksOut) {
+  Image cmyk(4, 1, 4);
+  cmyk.samples = {0, 0, 0, 0, 255, 0, 100, 0, 10, 20, 30, 255, 0, 51, 255, 55};
+  EXPECT_EQ(examples::cmykToRgb(cmyk).samples,
+            (std::vector<uint8_t>{255, 255, 255, 0, 255, 155, 0, 0, 0, 200, 160, 0}));
 }
 
 // One row of samples of a PNG of the given sort; the palette is red, green, blue, and green is transparent.

@@ -28,13 +28,14 @@ jpeg_error_mgr* throwingErrors(jpeg_error_mgr& errors) {
 
 class Decompressor {
  public:
-  explicit Decompressor(std::span<const uint8_t> jpeg) {
+  explicit Decompressor(std::span<const uint8_t> file) {
     codec.err = throwingErrors(errors_);
     jpeg_create_decompress(&codec);
-    jpeg_mem_src(&codec, jpeg.data(), jpeg.size());
+    jpeg_mem_src(&codec, file.data(), file.size());
     jpeg_read_header(&codec, TRUE);
     codec.dct_method = JDCT_ISLOW;
     codec.do_fancy_upsampling = FALSE;
+    codec.do_block_smoothing = FALSE;  // invents the detail that missing scans would add
   }
   ~Decompressor() { jpeg_destroy_decompress(&codec); }
 
@@ -50,13 +51,28 @@ void setScans(jpeg_compress_struct& codec, const PeerSettings& settings, std::ve
     for (size_t i = 0; i < components.size(); ++i) scan.component_index[i] = components[i];
     scans.push_back(scan);
   }
+  for (const jpeg::Scan& ours : settings.script) {
+    jpeg_scan_info scan{static_cast<int>(ours.components.size()), {}, ours.first, ours.last, ours.highBit, ours.lowBit};
+    for (size_t i = 0; i < ours.components.size(); ++i) scan.component_index[i] = static_cast<int>(ours.components[i]);
+    scans.push_back(scan);
+  }
   if (!scans.empty()) codec.scan_info = scans.data();
   codec.num_scans = static_cast<int>(scans.size());
 }
 
+J_COLOR_SPACE colorSpace(const Image& image) {
+  return image.channels == 1 ? JCS_GRAYSCALE : image.channels == 3 ? JCS_RGB : JCS_CMYK;
+}
+
+void invert(Image& image) {
+  for (uint8_t& sample : image.samples) sample = static_cast<uint8_t>(255 - sample);
+}
+
 }  // namespace
 
-std::vector<uint8_t> peerEncode(const Image& image, const PeerSettings& settings) {
+std::vector<uint8_t> peerEncode(const Image& asSeen, const PeerSettings& settings) {
+  Image image = asSeen;
+  if (image.channels == 4 && settings.adobeMarker) invert(image);
   jpeg_compress_struct codec;
   jpeg_error_mgr errors;
   codec.err = throwingErrors(errors);
@@ -67,9 +83,11 @@ std::vector<uint8_t> peerEncode(const Image& image, const PeerSettings& settings
   codec.image_width = static_cast<JDIMENSION>(image.width);
   codec.image_height = static_cast<JDIMENSION>(image.height);
   codec.input_components = image.channels;
-  codec.in_color_space = image.channels == 1 ? JCS_GRAYSCALE : JCS_RGB;
+  codec.in_color_space = colorSpace(image);
   jpeg_set_defaults(&codec);
-  if (settings.rgbCoded) jpeg_set_colorspace(&codec, JCS_RGB);
+  if (!settings.convertColors) jpeg_set_colorspace(&codec, colorSpace(image));
+  if (settings.convertColors && image.channels == 4) jpeg_set_colorspace(&codec, JCS_YCCK);
+  if (!settings.adobeMarker) codec.write_Adobe_marker = FALSE;
   jpeg_set_quality(&codec, settings.quality, settings.wideQuantTables ? FALSE : TRUE);
   for (int c = 0; c < codec.num_components; ++c) {
     codec.comp_info[c].h_samp_factor = settings.factors[static_cast<size_t>(c)].horizontal;
@@ -81,7 +99,7 @@ std::vector<uint8_t> peerEncode(const Image& image, const PeerSettings& settings
   setScans(codec, settings, scans);
   jpeg_start_compress(&codec, TRUE);
   for (int32_t y = 0; y < image.height; ++y) {
-    JSAMPROW row = const_cast<uint8_t*>(image.at(0, y));
+    JSAMPROW row = image.at(0, y);
     jpeg_write_scanlines(&codec, &row, 1);
   }
   jpeg_finish_compress(&codec);
@@ -91,8 +109,9 @@ std::vector<uint8_t> peerEncode(const Image& image, const PeerSettings& settings
   return result;
 }
 
-Image peerDecode(std::span<const uint8_t> jpeg) {
-  Decompressor peer(jpeg);
+Image peerDecode(std::span<const uint8_t> file, jpeg::Upsampling upsampling) {
+  Decompressor peer(file);
+  peer.codec.do_fancy_upsampling = upsampling == jpeg::Upsampling::triangle ? TRUE : FALSE;
   jpeg_start_decompress(&peer.codec);
   Image image(static_cast<int32_t>(peer.codec.output_width), static_cast<int32_t>(peer.codec.output_height),
               peer.codec.output_components);
@@ -100,20 +119,21 @@ Image peerDecode(std::span<const uint8_t> jpeg) {
     JSAMPROW row = image.at(0, static_cast<int32_t>(peer.codec.output_scanline));
     jpeg_read_scanlines(&peer.codec, &row, 1);
   }
+  if (image.channels == 4 && peer.codec.saw_Adobe_marker) invert(image);
   jpeg_finish_decompress(&peer.codec);
   return image;
 }
 
-std::vector<examples::jpeg::ComponentSamples> peerPlanes(std::span<const uint8_t> jpeg) {
-  Decompressor peer(jpeg);
+std::vector<jpeg::ComponentSamples> peerPlanes(std::span<const uint8_t> file) {
+  Decompressor peer(file);
   peer.codec.raw_data_out = TRUE;
   jpeg_start_decompress(&peer.codec);
   const int32_t rowsOfMcus = static_cast<int32_t>(peer.codec.total_iMCU_rows);
-  std::vector<examples::jpeg::ComponentSamples> planes;
+  std::vector<jpeg::ComponentSamples> planes;
   std::vector<std::vector<JSAMPROW>> rows;
   for (int c = 0; c < peer.codec.num_components; ++c) {
     const jpeg_component_info& info = peer.codec.comp_info[c];
-    examples::jpeg::ComponentSamples plane;
+    jpeg::ComponentSamples plane;
     plane.width = static_cast<int32_t>(info.width_in_blocks) * 8;
     plane.height = rowsOfMcus * info.v_samp_factor * 8;
     plane.samples.resize(static_cast<size_t>(plane.width) * static_cast<size_t>(plane.height));
@@ -138,8 +158,32 @@ std::vector<examples::jpeg::ComponentSamples> peerPlanes(std::span<const uint8_t
   return planes;
 }
 
-std::vector<PeerComponent> peerCoefficients(std::span<const uint8_t> jpeg) {
-  Decompressor peer(jpeg);
+std::vector<uint8_t> peerTranscode(std::span<const uint8_t> file, const PeerSettings& settings) {
+  Decompressor peer(file);
+  jvirt_barray_ptr* const arrays = jpeg_read_coefficients(&peer.codec);
+  jpeg_compress_struct codec;
+  jpeg_error_mgr errors;
+  codec.err = throwingErrors(errors);
+  jpeg_create_compress(&codec);
+  unsigned char* bytes = nullptr;
+  unsigned long length = 0;
+  jpeg_mem_dest(&codec, &bytes, &length);
+  jpeg_copy_critical_parameters(&peer.codec, &codec);
+  codec.restart_interval = static_cast<unsigned>(settings.restartInterval);
+  codec.optimize_coding = settings.optimise ? TRUE : FALSE;
+  std::vector<jpeg_scan_info> scans;
+  setScans(codec, settings, scans);
+  jpeg_write_coefficients(&codec, arrays);
+  jpeg_finish_compress(&codec);
+  jpeg_destroy_compress(&codec);
+  jpeg_finish_decompress(&peer.codec);
+  std::vector<uint8_t> result(bytes, bytes + length);
+  std::free(bytes);
+  return result;
+}
+
+std::vector<PeerComponent> peerCoefficients(std::span<const uint8_t> file) {
+  Decompressor peer(file);
   jvirt_barray_ptr* const arrays = jpeg_read_coefficients(&peer.codec);
   std::vector<PeerComponent> components;
   for (int c = 0; c < peer.codec.num_components; ++c) {

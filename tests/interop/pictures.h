@@ -10,6 +10,7 @@
 
 namespace interop {
 
+using examples::DeepImage;
 using examples::Image;
 using zorj::test::Random;
 
@@ -36,7 +37,8 @@ struct Size {
 
 // Widths and heights around one, two and four blocks.
 inline std::vector<Size> oddSizes() {
-  return {{1, 1}, {1, 33}, {33, 1}, {7, 9}, {8, 8}, {9, 16}, {15, 17}, {16, 16}, {17, 31}, {24, 25}, {31, 7}, {33, 33}};
+  return {{1, 1},   {1, 33},  {33, 1},  {3, 5},   {7, 9},  {8, 8},  {9, 16},
+          {15, 17}, {16, 16}, {17, 31}, {24, 25}, {31, 7}, {33, 33}};
 }
 
 inline double psnr(const Image& a, const Image& b) {

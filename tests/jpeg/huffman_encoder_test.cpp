@@ -1,75 +1,10 @@
-#include <gtest/gtest.h>
-#include <zorj.h>
-
-#include "jpeg/huffman_spec.h"
-#include "jpeg/huffman_state.h"
 #include "support/arguments.h"
-#include "support/coders.h"
-#include "support/huffman_data.h"
+#include "support/huffman_encoder_calls.h"
 
 namespace zorj::test {
 namespace {
 
-struct Table {
-  HuffmanLists lists;
-  HuffmanEncodeSpec spec;
-  reference::HuffmanEncoder model;
-  explicit Table(const HuffmanLists& from) : lists(from), model(from) {
-    EXPECT_EQ(zoriEncodeHuffmanSpecInit_JPEG_8u(lists.bits.data(), lists.values.data(), &spec), StatusOk);
-  }
-};
-
-HuffmanEncodeState freshState() {
-  HuffmanEncodeState state;
-  std::memset(static_cast<void*>(&state), 0xA5, sizeof state);
-  zoriEncodeHuffmanStateInit_JPEG_8u(&state);
-  return state;
-}
-
-void note(Trace& trace, StatusCode status, int position, const HuffmanEncodeState& state) {
-  trace.insert(trace.end(), {status, position, state.accumulator, state.reserved, state.bitCount, state.eobRun,
-                             state.correctionCount, state.unused});
-}
-void note(Trace& trace, StatusCode status, const reference::HuffmanWriter& writer) {
-  trace.insert(trace.end(), {status, writer.position, writer.accumulator(), 0,
-                             static_cast<int64_t>(writer.pending.size()), 0, 0, 0xA5A5A5A5});
-}
-
-// Calls that the subject makes on the exports and the model makes on its writer.
-struct EncoderCalls {
-  WriteCalls subject;
-  WriteCalls model;
-};
-
-// `count` calls of subject(i, ...) and model(i, writer), up to the first failure, and a flush.
-template <class Subject, class Model>
-EncoderCalls statefulCalls(size_t count, const Subject& subject, const Model& model) {
-  return {[=](uint8_t* destination, int32_t length) {
-            Trace trace;
-            HuffmanEncodeState state = freshState();
-            int32_t position = 0;
-            int16_t lastDc = 0;
-            for (size_t i = 0; i <= count; ++i) {
-              const StatusCode status = subject(i, destination, length, &position, lastDc, &state);
-              trace.push_back(lastDc);
-              note(trace, status, position, state);
-              if (status != StatusOk) break;
-            }
-            return trace;
-          },
-          [=](uint8_t* destination, int32_t length) {
-            Trace trace;
-            reference::HuffmanWriter writer(destination, length);
-            int16_t lastDc = 0;
-            for (size_t i = 0; i <= count; ++i) {
-              const StatusCode status = i == count ? writer.flush() : model(i, writer, lastDc);
-              trace.push_back(lastDc);
-              note(trace, status, writer);
-              if (status != StatusOk) break;
-            }
-            return trace;
-          }};
-}
+using Table = EncoderTable;
 
 EncoderCalls blockCalls(const std::vector<Block>& blocks, const Table& dc, const Table& ac) {
   return statefulCalls(
@@ -79,20 +14,10 @@ EncoderCalls blockCalls(const std::vector<Block>& blocks, const Table& dc, const
         return zoriEncodeHuffman8x8_JPEG_16s1u_C1(flush ? nullptr : blocks[i].data(), dst, length, position, &lastDc,
                                                   &dc.spec, &ac.spec, state, flush);
       },
-      [&](size_t i, reference::HuffmanWriter& writer, int16_t& lastDc) {
-        return reference::encodeBlock(writer, blocks[i].data(), lastDc, dc.model, ac.model);
+      [&](size_t i, ModelEncoder& encoder) {
+        if (i == blocks.size()) return encoder.writer.flush();
+        return reference::encodeBlock(encoder.writer, blocks[i].data(), encoder.lastDc, dc.model, ac.model);
       });
-}
-
-// Room for all, and every length around where that ends; where it is little, every length there is.
-std::vector<int32_t> lengthsToTry(const EncoderCalls& calls) {
-  std::vector<uint8_t> bytes(1 << 16);
-  const Trace trace = calls.model(bytes.data(), 1 << 16);
-  const int32_t total = static_cast<int32_t>(trace[trace.size() - 7]);
-  std::vector<int32_t> lengths = {total + 5000};
-  for (int32_t length = std::max(1, total - 40); length < total + 40; ++length) lengths.push_back(length);
-  for (int32_t length = 1; length < std::min(total - 40, 150); ++length) lengths.push_back(length);
-  return lengths;
 }
 
 TEST(HuffmanEncoder, BlocksEqualModel) {
@@ -197,10 +122,12 @@ TEST(HuffmanEncoder, LosslessRowsAndValuesEqualModel) {
           return zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(i == 3 ? nullptr : rowPointers, samples, components, dst, length,
                                                       position, specs, state, i == 3);
         },
-        [&](size_t, reference::HuffmanWriter& writer, int16_t&) {
+        [&](size_t call, ModelEncoder& encoder) {
+          if (call == 3) return encoder.writer.flush();
           for (int32_t i = 0; i < samples * used; ++i) {
             const auto c = static_cast<size_t>(i % used);
-            const StatusCode status = tables[c].model.putDifference(writer, rows[c][static_cast<size_t>(i / used)]);
+            const StatusCode status =
+                tables[c].model.putDifference(encoder.writer, rows[c][static_cast<size_t>(i / used)]);
             if (status != StatusOk) return status;
           }
           return StatusOk;
@@ -214,8 +141,8 @@ TEST(HuffmanEncoder, LosslessRowsAndValuesEqualModel) {
           return zoriEncodeHuffmanOne_JPEG_16s1u_C1(i == count ? nullptr : &rows[0][i], dst, length, position, specs[0],
                                                     state, i == count);
         },
-        [&](size_t i, reference::HuffmanWriter& writer, int16_t&) {
-          return tables[0].model.putDifference(writer, rows[0][i]);
+        [&](size_t i, ModelEncoder& encoder) {
+          return i == count ? encoder.writer.flush() : tables[0].model.putDifference(encoder.writer, rows[0][i]);
         });
     expectWritesEqualModel("values, round " + std::to_string(round), lengths(valueCalls), valueCalls.subject,
                            valueCalls.model);

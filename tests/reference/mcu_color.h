@@ -5,46 +5,48 @@
 #include <cmath>
 #include <cstdint>
 
+#include "reference/color.h"
+
 namespace zorj::reference {
-
-struct Ycc {
-  int y, cb, cr;
-};
-
-struct Rgb {
-  int red, green, blue;
-};
 
 inline int floorShift(int64_t value, int bits) {
   return static_cast<int>(std::floor(static_cast<double>(value) / static_cast<double>(int64_t{1} << bits)));
 }
 
-inline int lumaOf(Rgb p) { return floorShift(4899 * p.red + 9617 * p.green + 1868 * p.blue - 2088960, 14); }
-
-// Cb and Cr of 1 << log2Pixels pixels whose channels are summed.
-inline int blueChroma(Rgb sum, int log2Pixels) {
-  return floorShift(8192 * sum.blue - 5428 * sum.green - 2764 * sum.red + (8192 << log2Pixels), 14 + log2Pixels);
-}
-inline int redChroma(Rgb sum, int log2Pixels) {
-  return floorShift(8192 * sum.red - 6860 * sum.green - 1332 * sum.blue + (8192 << log2Pixels), 14 + log2Pixels);
+// The level-shifted samples of 1 << log2Pixels pixels whose channels are summed; Y and K only of one.
+inline Channels mcuYcc(const Channels& sum, int log2Pixels) {
+  const auto [red, green, blue, key] = sum;
+  return {floorShift(4899 * red + 9617 * green + 1868 * blue - 2088960, 14),
+          floorShift(8192 * blue - 5428 * green - 2764 * red + (8192 << log2Pixels), 14 + log2Pixels),
+          floorShift(8192 * red - 6860 * green - 1332 * blue + (8192 << log2Pixels), 14 + log2Pixels), key - 128};
 }
 
 inline int narrowed(int value) { return std::clamp(value, -32768, 32767); }
 inline int wrappingSum(int a, int b) { return static_cast<int16_t>(static_cast<uint16_t>(a + b)); }
 inline int asByte(int value) { return std::clamp(value, 0, 255); }
 
-inline Rgb pixelOf444(Ycc s) {
-  const int red = narrowed(floorShift(22970LL * s.cr + 2105344, 14));
-  const int green = narrowed(floorShift(-5638LL * s.cb - 11700LL * s.cr + 2105344, 14));
-  const int blue = narrowed(floorShift(29032LL * s.cb + 2105344, 14));
-  return {asByte(wrappingSum(s.y, red)), asByte(wrappingSum(s.y, green)), asByte(wrappingSum(s.y, blue))};
+inline Channels pixelOf444(const Channels& sample) {
+  const auto [y, cb, cr, key] = sample;
+  const int red = narrowed(floorShift(22970LL * cr + 2105344, 14));
+  const int green = narrowed(floorShift(-5638LL * cb - 11700LL * cr + 2105344, 14));
+  const int blue = narrowed(floorShift(29032LL * cb + 2105344, 14));
+  return {asByte(wrappingSum(y, red)), asByte(wrappingSum(y, green)), asByte(wrappingSum(y, blue)), asByte(key + 128)};
 }
 
-inline Rgb pixelOf411(Ycc s) {
-  const int red = narrowed(floorShift(11485LL * s.cr + 1052672, 13));
-  const int green = narrowed(floorShift(5638LL * s.cb + 11700LL * s.cr - 2088960, 14));
-  const int blue = narrowed(floorShift(14516LL * s.cb + 1052672, 13));
-  return {asByte(wrappingSum(s.y, red)), asByte(wrappingSum(s.y, -green)), asByte(wrappingSum(s.y, blue))};
+inline Channels pixelOf411(const Channels& sample) {
+  const auto [y, cb, cr, key] = sample;
+  const int red = narrowed(floorShift(11485LL * cr + 1052672, 13));
+  const int green = narrowed(floorShift(5638LL * cb + 11700LL * cr - 2088960, 14));
+  const int blue = narrowed(floorShift(14516LL * cb + 1052672, 13));
+  return {asByte(wrappingSum(y, red)), asByte(wrappingSum(y, -green)), asByte(wrappingSum(y, blue)), asByte(key + 128)};
+}
+
+// Without colour conversion, of pixels that have the chroma they share.
+inline Channels mcuSplit(const Channels& sum, int log2Pixels) {
+  return {sum[0] - 128, (sum[1] >> log2Pixels) - 128, (sum[2] >> log2Pixels) - 128, 0};
+}
+inline Channels pixelOfJoined(const Channels& sample) {
+  return {asByte(sample[0] + 128), asByte(sample[1] + 128), asByte(sample[2] + 128), 0};
 }
 
 }  // namespace zorj::reference

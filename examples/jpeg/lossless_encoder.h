@@ -1,0 +1,13 @@
+// The lossless process: samples predicted from their neighbours (T.81 Annex H).
+#pragma once
+
+#include <vector>
+
+#include "jpeg/codec.h"
+
+namespace examples::jpeg {
+
+void encodeLossless(const DeepImage& image, const Frame& frame, const EncodeOptions& options,
+                    std::vector<uint8_t>& jpeg);
+
+}  // namespace examples::jpeg

@@ -1,0 +1,182 @@
+#include "jpeg/progressive_decode_kernels.h"
+
+#include <bit>
+
+#include "core/isa.h"
+#include "core/unaligned.h"
+#include "jpeg/zigzag.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "jpeg/progressive_decode_kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "core/simd-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace zorj::HWY_NAMESPACE {
+namespace {
+namespace hn = hwy::HWY_NAMESPACE;
+
+#include "jpeg/bit_gather-inl.h"
+#include "jpeg/zigzag_masks-inl.h"
+
+// The place of a coefficient that a run may have led beyond the block.
+HWY_INLINE int16_t* coefficientAt(int16_t* block, uint32_t position) {
+  return block + kNaturalOrder[HWY_MIN(position, kBlockSize - 1)];
+}
+
+// The length of the run that a symbol with category 0 begins, this block included.
+HWY_INLINE StatusCode takeEobRun(BitReader& reader, uint32_t category, uint32_t& blocks) {
+  if (const StatusCode status = reader.require(static_cast<int32_t>(category))) return status;
+  blocks = (1u << category) + reader.take(static_cast<int32_t>(category));
+  return StatusOk;
+}
+
+// The first scan of the band of a block.
+HWY_INLINE StatusCode decodeFirst(BitReader& reader, uint32_t& eobRun, int16_t* block, SpectralBand band,
+                                  const HuffmanDecodeSpec& spec) {
+  auto position = static_cast<uint32_t>(band.first);
+  const auto last = static_cast<uint32_t>(band.last);
+  while (position <= last) {
+    uint32_t symbol = 0;
+    if (const StatusCode status = reader.decodeSymbol(spec, symbol)) return status;
+    const uint32_t run = symbol >> 4, size = symbol & 15;
+    if (size != 0) {
+      int32_t value = 0;
+      if (const StatusCode status = reader.decodeExtraBits(size, value)) return status;
+      position += run;
+      const uint32_t shifted = static_cast<uint32_t>(value) << band.shift;
+      storeUnaligned(coefficientAt(block, position), static_cast<int16_t>(shifted));
+      ++position;
+    } else if (run == 15) {
+      position += 16;
+    } else {
+      if (const StatusCode status = takeEobRun(reader, run, eobRun)) return status;
+      --eobRun;
+      break;
+    }
+  }
+  return StatusOk;
+}
+
+StatusCode decodeAcFirst(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
+                         int16_t* block, SpectralBand band, const HuffmanDecodeSpec& spec) {
+  if (state.eobRun > 0) {
+    --state.eobRun;
+    return StatusOk;
+  }
+  BitReader reader(source, state);
+  const StatusCode status = decodeFirst(reader, state.eobRun, block, band, spec);
+  reader.finish(position, marker, state);
+  return status;
+}
+
+// Refines the band of a block. Zig-zag position k is bit 63 - k of a mask: correction bits come in that order.
+class BandRefiner {
+ public:
+  HWY_INLINE BandRefiner(BitReader& reader, int16_t* block, SpectralBand band)
+      : reader_(reader),
+        block_(block),
+        band_(band),
+        left_(band.reversedMask()),
+        nonZero_(nonZeroMask<PointTransform::kNone, true>(block, 0)) {}
+
+  HWY_INLINE StatusCode decode(const HuffmanDecodeSpec& spec, uint32_t& eobRun) {
+    StatusCode status = StatusOk;
+    while (left_ != 0 && eobRun == 0 && status == StatusOk) status = decodeSymbol(spec, eobRun);
+    if (eobRun != 0 && status == StatusOk) {
+      status = correct(left_);
+      eobRun -= status == StatusOk;
+    }
+    addBits(set_);
+    return status;
+  }
+
+ private:
+  HWY_INLINE StatusCode decodeSymbol(const HuffmanDecodeSpec& spec, uint32_t& eobRun) {
+    uint32_t symbol = 0;
+    if (const StatusCode status = reader_.decodeSymbol(spec, symbol)) return status;
+    const uint32_t run = symbol >> 4;
+    const bool isNew = (symbol & 15) != 0;
+    if (!isNew && run != 15) return takeEobRun(reader_, run, eobRun);
+    uint32_t positive = 0;
+    if (isNew) {
+      if (const StatusCode status = reader_.require(1)) return status;
+      positive = reader_.take(1);
+    }
+    // Without so many zeros left the run ends behind the band.
+    const uint64_t place = bitAfter(left_ & ~nonZero_, run);
+    const uint64_t passed = place == 0 ? left_ : left_ & bitsAbove(place);
+    if (const StatusCode status = correct(passed)) return status;
+    left_ = place == 0 ? 0 : left_ & (place - 1);
+    if (isNew) storeNew(place, positive);
+    return StatusOk;
+  }
+
+  HWY_INLINE void storeNew(uint64_t place, uint32_t positive) {
+    const auto position = static_cast<uint32_t>(place != 0 ? std::countl_zero(place) : band_.last + 1);
+    const int32_t one = 1 << band_.shift;
+    storeUnaligned(coefficientAt(block_, position), static_cast<int16_t>(positive ? one : -one));
+  }
+
+  // Takes a correction bit for each coefficient of `places` that is not zero.
+  HWY_INLINE StatusCode correct(uint64_t places) {
+    uint64_t corrected = places & nonZero_;
+    int32_t wanted = std::popcount(corrected);
+    while (wanted > reader_.held()) {
+      // The last of them have to wait for more bits.
+      const int32_t missing = wanted - reader_.held();
+      const uint64_t rest = scatterBits((uint64_t{1} << missing) - 1, corrected);
+      set_ |= scatterBits(reader_.take(reader_.held()), corrected ^ rest);
+      if (const StatusCode status = reader_.require(1)) return status;
+      corrected = rest;
+      wanted = missing;
+    }
+    set_ |= scatterBits(reader_.take(wanted), corrected);
+    return StatusOk;
+  }
+
+  // Sets the magnitude bit that this scan refines.
+  HWY_INLINE void addBits(uint64_t places) {
+    while (places != 0) {
+      const auto position = static_cast<uint32_t>(std::countl_zero(places));
+      places &= ~(uint64_t{1} << 63 >> position);
+      int16_t* coefficient = block_ + kNaturalOrder[position];
+      const int32_t value = loadUnaligned(coefficient), sign = value >> 31;
+      const int32_t magnitude = ((value ^ sign) - sign) | 1 << band_.shift;
+      storeUnaligned(coefficient, static_cast<int16_t>((magnitude ^ sign) - sign));
+    }
+  }
+
+  BitReader& reader_;
+  int16_t* block_;
+  SpectralBand band_;
+  uint64_t left_;  // the positions not passed yet
+  const uint64_t nonZero_;
+  uint64_t set_ = 0;  // the positions whose correction bit was 1
+};
+
+StatusCode decodeAcRefine(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
+                          int16_t* block, SpectralBand band, const HuffmanDecodeSpec& spec) {
+  BitReader reader(source, state);
+  const StatusCode status = BandRefiner(reader, block, band).decode(spec, state.eobRun);
+  reader.finish(position, marker, state);
+  return status;
+}
+
+constexpr ProgressiveDecodeKernels kernels = {&decodeAcFirst, &decodeAcRefine};
+
+}  // namespace
+}  // namespace zorj::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace zorj {
+
+static constexpr PerIsa<const ProgressiveDecodeKernels> perIsa{ZORJ_PER_ISA(kernels)};
+
+const ProgressiveDecodeKernels& progressiveDecodeKernels() { return *perIsa; }
+
+}  // namespace zorj
+#endif

@@ -1,0 +1,39 @@
+// The bits of passes that bypass the MQ coder (T.800 Annex D.6): most significant first, and only seven of them in a
+// byte that follows 0xFF.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+namespace zorj {
+
+class RawDecoder {
+ public:
+  // Starts a segment. Bytes behind its end read as 0xFF.
+  void start(const uint8_t* data, int32_t length) {
+    next_ = data;
+    left_ = std::max(length, 0);
+    current_ = 0;
+    bitsLeft_ = 0;
+  }
+
+  uint32_t bit() {
+    if (bitsLeft_ == 0) {
+      bitsLeft_ = current_ == 0xFF ? 7 : 8;
+      current_ = left_ > 0 ? *next_++ : 0xFF;
+      left_ -= left_ > 0;
+    }
+    return current_ >> --bitsLeft_ & 1u;
+  }
+
+  // Whether the rest of the last byte is what an encoder fills it with: 0, 1, 0, 1...
+  bool endsPadded() const { return (current_ & ((1u << bitsLeft_) - 1)) == 0x55u >> (8 - bitsLeft_); }
+
+ private:
+  const uint8_t* next_;
+  int32_t left_;
+  uint32_t current_;
+  int32_t bitsLeft_;
+};
+
+}  // namespace zorj
