@@ -15,10 +15,10 @@ struct Packet {
   int32_t layer = 0;
 };
 
-// Goes through the packets of a tile, each once. The tile and its coding must outlive it.
+// Goes through the packets of a tile, each once. The image's size and the tile must outlive it.
 class PacketOrder {
  public:
-  PacketOrder(const Tile& tile, const TileCoding& coding);
+  PacketOrder(const ImageSize& size, const Tile& tile, const TileCoding& coding);
 
   // The next packet; false at the end.
   bool next(Packet& packet);
@@ -33,15 +33,18 @@ class PacketOrder {
   };
 
   void beginVolume();
-  void sortPlaces();
-  size_t endOfGroup(size_t begin) const;
+  void addPlaces(int32_t component, int32_t resolution);
+  void sortPlaces(Progression order);
+  void beginGroup();
 
+  const ImageSize& size_;
   const Tile& tile_;
   std::vector<PacketVolume> volumes_;
   int32_t layers_;
   PrecinctIndex precincts_;
   std::vector<int32_t> layersDone_;  // of each precinct
   size_t volume_ = 0;
+  int32_t layerEnd_ = 0;  // of the volume
   // The precincts of the volume in their order. They form groups, inside of which each layer goes through all of them.
   std::vector<Place> places_;
   size_t groupBegin_ = 0;
