@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 namespace zorj {
@@ -34,6 +35,43 @@ class RawDecoder {
   int32_t left_;
   uint32_t current_;
   int32_t bitsLeft_;
+};
+
+class RawEncoder {
+ public:
+  void start(uint8_t* segment) {
+    next_ = segment;
+    pending_ = 0;
+    bitsInByte_ = bitsFree_ = 8;
+  }
+
+  void encode(uint32_t bit) {
+    if (bitsFree_ == 0) writeByte();
+    pending_ |= bit << --bitsFree_;
+  }
+
+  // The end of the bytes that a decoder needs for all bits so far; 0xFF it has of itself.
+  uint8_t* end() const { return next_ + (isPartial() || (bitsFree_ == 0 && pending_ != 0xFF)); }
+
+  // Ends the segment and returns its end.
+  uint8_t* terminate() {
+    if (isPartial()) pending_ |= 0x55u >> (8 - bitsFree_);
+    *next_ = static_cast<uint8_t>(pending_);
+    return end();
+  }
+
+ private:
+  bool isPartial() const { return bitsFree_ > 0 && bitsFree_ < bitsInByte_; }
+  void writeByte() {
+    *next_++ = static_cast<uint8_t>(pending_);
+    bitsInByte_ = bitsFree_ = pending_ == 0xFF ? 7 : 8;
+    pending_ = 0;
+  }
+
+  uint8_t* next_;
+  uint32_t pending_;
+  int32_t bitsFree_;
+  int32_t bitsInByte_;
 };
 
 }  // namespace zorj
