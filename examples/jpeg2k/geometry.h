@@ -4,6 +4,7 @@
 
 #include <zorj/jpeg2k_codeblock.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 

@@ -1,6 +1,7 @@
 // The order of the packets of a tile (T.800 B.12).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
