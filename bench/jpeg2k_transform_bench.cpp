@@ -112,7 +112,34 @@ void compareTiles() {
     compareTile("5/3 inverse 16s", side, &zoriWTInv_B53_JPEG2K_16s_C1IR);
     compareTile("5/3 forward 32s", side, &zoriWTFwd_B53_JPEG2K_32s_C1IR);
     compareTile("5/3 inverse 32s", side, &zoriWTInv_B53_JPEG2K_32s_C1IR);
+    compareTile("9/7 forward 16s", side, &zoriWTFwd_D97_JPEG2K_16s_C1IR);
+    compareTile("9/7 inverse 16s", side, &zoriWTInv_D97_JPEG2K_16s_C1IR);
+    compareTile("9/7 forward 32s", side, &zoriWTFwd_D97_JPEG2K_32s_C1IR);
+    compareTile("9/7 inverse 32s", side, &zoriWTInv_D97_JPEG2K_32s_C1IR);
   }
+}
+
+using ForwardFloats = StatusCode(ZORJ_CALL*)(const float*, int32_t, float*, int32_t, float*, int32_t, RoiSize, int32_t);
+using InverseFloats = StatusCode(ZORJ_CALL*)(const float*, int32_t, const float*, int32_t, RoiSize, float*, int32_t,
+                                             int32_t);
+
+// Rows or columns of a square image, from the middle of larger ones: what lies around them is their border.
+void compareFloats(const std::string& what, int32_t side, bool down, ForwardFloats forward, InverseFloats inverse) {
+  const int32_t border = 8, wide = side + 2 * border, step = wide * 4;
+  const size_t samples = static_cast<size_t>(wide) * static_cast<size_t>(wide);
+  const auto x = std::make_shared<Samples<float>>(samples), low = std::make_shared<Samples<float>>(samples),
+             high = std::make_shared<Samples<float>>(samples);
+  const size_t first = static_cast<size_t>(border * wide + border);
+  const RoiSize band = down ? RoiSize{side, side / 2} : RoiSize{side / 2, side};
+  const auto runForward = [=] {
+    forward(x->data() + first, step, low->data() + first, step, high->data() + first, step, band, 0);
+  };
+  const auto runInverse = [=] {
+    inverse(low->data() + first, step, high->data() + first, step, band, x->data() + first, step, 0);
+  };
+  const std::string row = what + " of " + std::to_string(side) + "x" + std::to_string(side);
+  compare("9/7 forward 32f, " + row, double{1} * side * side, "pixels", againstCopy(runForward, [=] { x->copy(); }));
+  compare("9/7 inverse 32f, " + row, double{1} * side * side, "pixels", againstCopy(runInverse, [=] { x->copy(); }));
 }
 
 }  // namespace
@@ -120,6 +147,10 @@ void compareTiles() {
 void registerComparisons() {
   zorSetNumThreads(1);
   compareTiles();
+  for (const int32_t side : {128, 512, 2048}) {
+    compareFloats("rows", side, false, &zoriWTFwdRow_D97_JPEG2K_32f_C1R, &zoriWTInvRow_D97_JPEG2K_32f_C1R);
+    compareFloats("columns", side, true, &zoriWTFwdCol_D97_JPEG2K_32f_C1R, &zoriWTInvCol_D97_JPEG2K_32f_C1R);
+  }
   compareComponents("L2", {160, 120});
   compareComponents("DRAM", {4096, 2048});
 }

@@ -29,7 +29,7 @@ struct Wavelet53 {
     const int64_t sum = int64_t{even(low, high, k)} + even(low, high, k + 1);
     return wrapped<T>(high(k) + floorDivide(wrapped<int32_t>(sum), 2));
   }
-  // Results of lines of one and two samples.
+  // In lines of one and two samples: results, and what is computed with.
   static T stored(int64_t x) { return wrapped<T>(x); }
   static int64_t difference(int64_t a, int64_t b) { return wrapped<T>(a - b); }
 
@@ -71,8 +71,8 @@ std::vector<T> synthesised(const std::vector<T>& bands, int parity) {
   if (length == 1) return {parity == 0 ? bands[0] : static_cast<T>(bands[0] / 2)};
   if (length == 2) {
     std::vector<T> line(2);
-    const int64_t even = W::stored(bands[0] - halfUp(bands[1]));
-    line[static_cast<size_t>(parity)] = W::stored(bands[0] - halfUp(bands[1]));
+    const int64_t even = W::difference(bands[0], halfUp(bands[1]));
+    line[static_cast<size_t>(parity)] = W::stored(even);
     line[static_cast<size_t>(1 - parity)] = W::stored(even + bands[1]);
     return line;
   }
