@@ -77,10 +77,10 @@ CodedBlock BlockCoder::code(const BlockJob<T>& job) {
   const bool lossless = kFraction<T> == 0 && job.lowestPlane == 0;
   const int32_t termination = (style_ & block_style::pterm) != 0 ? kPredictableTermination : kShortestTermination;
   int32_t planes = 0, passes = 0, segments = 0;
-  check(zoriEncodeLoadCodeBlock_JPEG2K_32s_C1R(samples_.get(), job.size.width * int32_t{sizeof(int32_t)}, job.size,
-                                               state_.get(), job.kind, 31 - kFraction<T> - job.lowestPlane, termination,
-                                               0, libraryStyle(style_) | (lossless ? uint32_t{CbLosslessLastPlane} : 0u), &planes,
-                                               &passes, &segments));
+  check(zoriEncodeLoadCodeBlock_JPEG2K_32s_C1R(
+      samples_.get(), job.size.width * int32_t{sizeof(int32_t)}, job.size, state_.get(), job.kind,
+      31 - kFraction<T> - job.lowestPlane, termination, 0,
+      libraryStyle(style_) | (lossless ? uint32_t{CbLosslessLastPlane} : 0u), &planes, &passes, &segments));
   CodedBlock block;
   block.planes = std::max(planes - kFraction<T>, 0);
   if (passes == 0) return block;
@@ -127,9 +127,26 @@ void BlockCoder::countBits(const BlockJob<T>& job, std::span<int64_t, 33> counts
     ++counts[static_cast<size_t>(std::bit_width(static_cast<uint32_t>(samples_[i]) << 1 >> (1 + kFraction<T>)))];
 }
 
+template <class T>
+double BlockCoder::energy(const BlockJob<T>& job) {
+  quantise(job);
+  const size_t count = static_cast<size_t>(job.size.width) * static_cast<size_t>(job.size.height);
+  double sum = 0;
+  for (size_t i = 0; i < count; ++i) {
+    const double magnitude = samples_[i] & INT32_MAX;
+    sum += magnitude * magnitude;
+  }
+  return std::ldexp(sum * job.weight, -2 * kFraction<T>);
+}
+
 template CodedBlock BlockCoder::code(const BlockJob<int16_t>&);
 template CodedBlock BlockCoder::code(const BlockJob<int32_t>&);
 template CodedBlock BlockCoder::code(const BlockJob<float>&);
+template void BlockCoder::countBits(const BlockJob<int16_t>&, std::span<int64_t, 33>);
+template void BlockCoder::countBits(const BlockJob<int32_t>&, std::span<int64_t, 33>);
 template void BlockCoder::countBits(const BlockJob<float>&, std::span<int64_t, 33>);
+template double BlockCoder::energy(const BlockJob<int16_t>&);
+template double BlockCoder::energy(const BlockJob<int32_t>&);
+template double BlockCoder::energy(const BlockJob<float>&);
 
 }  // namespace examples::jpeg2k

@@ -50,6 +50,9 @@ class BlockCoder {
   // How many of the quantised coefficients of a block have how many bits.
   template <class T>
   void countBits(const BlockJob<T>& job, std::span<int64_t, 33> counts);
+  // The squared error in the picture that leaving out a block makes.
+  template <class T>
+  double energy(const BlockJob<T>& job);
 
  private:
   struct FreeState {
