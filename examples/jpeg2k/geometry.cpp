@@ -8,16 +8,6 @@ namespace {
 // Where the interval that starts here starts in the low or the high subband of a wavelet level.
 int32_t inBand(int32_t position, bool high) { return high ? position / 2 : ceilShift(position, 1); }
 
-Subband makeBand(SubbandKind kind, int32_t number, const Rect& resolution) {
-  Subband band;
-  band.kind = kind;
-  band.number = number;
-  const bool right = band.highHorizontally(), below = band.highVertically();
-  band.rect = {inBand(resolution.x0, right), inBand(resolution.y0, below), inBand(resolution.x1, right),
-               inBand(resolution.y1, below)};
-  return band;
-}
-
 int32_t cells(int32_t begin, int32_t end, int32_t exponent) {
   return ceilShift(end, exponent) - floorShift(begin, exponent);
 }
@@ -47,9 +37,10 @@ Resolution makeResolution(const CodingStyle& style, const Rect& component, int32
     resolution.bands[0].rect = resolution.rect;
   } else {
     resolution.bandCount = 3;
-    resolution.bands[0] = makeBand(SubbandHL, 3 * number - 2, resolution.rect);
-    resolution.bands[1] = makeBand(SubbandLH, 3 * number - 1, resolution.rect);
-    resolution.bands[2] = makeBand(SubbandHH, 3 * number, resolution.rect);
+    constexpr SubbandKind kKinds[] = {SubbandHL, SubbandLH, SubbandHH};
+    for (int32_t b = 0; b < resolution.bandCount; ++b) {
+      resolution.bands[b] = {kKinds[b], bandRect(kKinds[b], resolution.rect), 3 * number - 2 + b};
+    }
   }
   return resolution;
 }
@@ -63,6 +54,12 @@ Rect reduced(const Rect& rect, int32_t exponent) {
 
 Rect intersection(const Rect& a, const Rect& b) {
   return {std::max(a.x0, b.x0), std::max(a.y0, b.y0), std::min(a.x1, b.x1), std::min(a.y1, b.y1)};
+}
+
+Rect bandRect(SubbandKind kind, const Rect& resolution) {
+  const bool right = kind == SubbandHL || kind == SubbandHH, below = kind == SubbandLH || kind == SubbandHH;
+  return {inBand(resolution.x0, right), inBand(resolution.y0, below), inBand(resolution.x1, right),
+          inBand(resolution.y1, below)};
 }
 
 Rect BlockGrid::block(int32_t number) const {

@@ -28,10 +28,8 @@ struct Subband {
   Rect rect;           // on the subband's own canvas
   int32_t number = 0;  // as Quantization counts them
 
-  bool highHorizontally() const { return kind == SubbandHL || kind == SubbandHH; }
-  bool highVertically() const { return kind == SubbandLH || kind == SubbandHH; }
   // log2 of the gain of the wavelet, which adds to the samples' precision (T.800 Table E.1).
-  int32_t gain() const { return (highHorizontally() ? 1 : 0) + (highVertically() ? 1 : 0); }
+  int32_t gain() const { return kind == SubbandLL ? 0 : kind == SubbandHH ? 2 : 1; }
 };
 
 // The code-blocks of a precinct in one subband, numbered in rows from the top left one.
@@ -73,6 +71,9 @@ struct Tile {
   Rect rect;  // on the reference grid
   std::vector<TileComponent> components;
 };
+
+// The part of a subband that a rectangle of the resolution it belongs to is made of.
+Rect bandRect(SubbandKind kind, const Rect& resolution);
 
 // Tiles of the image, in rows.
 int32_t tilesWide(const ImageSize& size);
