@@ -1,0 +1,208 @@
+#include "interop/openjpeg.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace interop::openjpeg {
+namespace {
+
+template <auto destroy>
+struct Destroy {
+  template <class T>
+  void operator()(T* object) const {
+    destroy(object);
+  }
+};
+using Codec = std::unique_ptr<opj_codec_t, Destroy<opj_destroy_codec>>;
+using Stream = std::unique_ptr<opj_stream_t, Destroy<opj_stream_destroy>>;
+using Image = std::unique_ptr<opj_image_t, Destroy<opj_image_destroy>>;
+
+struct Messages {
+  std::string text;
+  bool warned = false;
+
+  void listen(opj_codec_t* codec) {
+    opj_set_error_handler(
+        codec, [](const char* message, void* self) { static_cast<Messages*>(self)->text += message; }, this);
+    opj_set_warning_handler(
+        codec,
+        [](const char* message, void* self) {
+          static_cast<Messages*>(self)->text += message;
+          static_cast<Messages*>(self)->warned = true;
+        },
+        this);
+  }
+  void require(bool condition, const char* what) const {
+    if (!condition) throw std::runtime_error(std::string("OpenJPEG cannot ") + what + ": " + text);
+  }
+};
+
+struct Reader {
+  std::span<const uint8_t> bytes;
+  size_t at = 0;
+
+  static OPJ_SIZE_T read(void* buffer, OPJ_SIZE_T count, void* self) {
+    Reader& reader = *static_cast<Reader*>(self);
+    const size_t length = std::min<size_t>(count, reader.bytes.size() - reader.at);
+    if (length == 0) return static_cast<OPJ_SIZE_T>(-1);
+    std::memcpy(buffer, reader.bytes.data() + reader.at, length);
+    reader.at += length;
+    return length;
+  }
+  static OPJ_OFF_T skip(OPJ_OFF_T count, void* self) {
+    Reader& reader = *static_cast<Reader*>(self);
+    const auto length = std::min<OPJ_OFF_T>(count, static_cast<OPJ_OFF_T>(reader.bytes.size() - reader.at));
+    reader.at += static_cast<size_t>(length);
+    return length;
+  }
+  static OPJ_BOOL seek(OPJ_OFF_T to, void* self) {
+    Reader& reader = *static_cast<Reader*>(self);
+    if (to < 0 || static_cast<size_t>(to) > reader.bytes.size()) return OPJ_FALSE;
+    reader.at = static_cast<size_t>(to);
+    return OPJ_TRUE;
+  }
+};
+
+struct Writer {
+  std::vector<uint8_t> bytes;
+  size_t at = 0;
+
+  static OPJ_SIZE_T write(void* buffer, OPJ_SIZE_T count, void* self) {
+    Writer& writer = *static_cast<Writer*>(self);
+    writer.bytes.resize(std::max(writer.bytes.size(), writer.at + count));
+    std::memcpy(writer.bytes.data() + writer.at, buffer, count);
+    writer.at += count;
+    return count;
+  }
+  static OPJ_OFF_T skip(OPJ_OFF_T count, void* self) {
+    Writer& writer = *static_cast<Writer*>(self);
+    writer.at += static_cast<size_t>(count);
+    writer.bytes.resize(std::max(writer.bytes.size(), writer.at));
+    return count;
+  }
+  static OPJ_BOOL seek(OPJ_OFF_T to, void* self) {
+    static_cast<Writer*>(self)->at = static_cast<size_t>(to);
+    return OPJ_TRUE;
+  }
+};
+
+bool isJp2(std::span<const uint8_t> file) { return file.size() > 4 && file[0] == 0; }
+
+Image makeImage(const PeerImage& picture) {
+  std::vector<opj_image_cmptparm_t> sizes;
+  for (const PeerImage::Component& component : picture.components) {
+    opj_image_cmptparm_t size = {};
+    size.dx = component.dx;
+    size.dy = component.dy;
+    const auto divide = [](uint32_t value, uint32_t by) { return (value + by - 1) / by; };
+    size.x0 = picture.x0;
+    size.y0 = picture.y0;
+    size.w = divide(picture.x1, size.dx) - divide(picture.x0, size.dx);
+    size.h = divide(picture.y1, size.dy) - divide(picture.y0, size.dy);
+    size.prec = component.precision;
+    size.sgnd = component.isSigned ? 1 : 0;
+    sizes.push_back(size);
+  }
+  const OPJ_COLOR_SPACE space = sizes.size() >= 3 ? OPJ_CLRSPC_SRGB : OPJ_CLRSPC_GRAY;
+  Image image(opj_image_create(static_cast<OPJ_UINT32>(sizes.size()), sizes.data(), space));
+  if (!image) throw std::runtime_error("OpenJPEG cannot make an image");
+  image->x0 = picture.x0;
+  image->y0 = picture.y0;
+  image->x1 = picture.x1;
+  image->y1 = picture.y1;
+  for (size_t c = 0; c < sizes.size(); ++c)
+    std::copy(picture.components[c].samples.begin(), picture.components[c].samples.end(), image->comps[c].data);
+  return image;
+}
+
+}  // namespace
+
+std::vector<ComponentSamples> decode(std::span<const uint8_t> file, const DecodeSettings& settings) {
+  const Codec codec(opj_create_decompress(isJp2(file) ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K));
+  Messages messages;
+  messages.listen(codec.get());
+  opj_dparameters_t parameters;
+  opj_set_default_decoder_parameters(&parameters);
+  parameters.cp_reduce = settings.reduce;
+  parameters.cp_layer = settings.layers;
+  messages.require(opj_setup_decoder(codec.get(), &parameters), "be set up");
+  opj_decoder_set_strict_mode(codec.get(), settings.strict ? OPJ_TRUE : OPJ_FALSE);
+  opj_codec_set_threads(codec.get(), settings.threads);
+
+  Reader reader = {file};
+  const Stream stream(opj_stream_default_create(OPJ_TRUE));
+  opj_stream_set_user_data(stream.get(), &reader, nullptr);
+  opj_stream_set_user_data_length(stream.get(), file.size());
+  opj_stream_set_read_function(stream.get(), &Reader::read);
+  opj_stream_set_skip_function(stream.get(), &Reader::skip);
+  opj_stream_set_seek_function(stream.get(), &Reader::seek);
+
+  opj_image_t* made = nullptr;
+  const bool headerRead = opj_read_header(stream.get(), codec.get(), &made);
+  const Image image(made);
+  messages.require(headerRead, "read the header");
+  messages.require(opj_decode(codec.get(), stream.get(), made), "decode");
+  messages.require(opj_end_decompress(codec.get(), stream.get()) || !settings.strict, "end");
+  messages.require(!settings.strict || !messages.warned, "decode without warnings");
+
+  std::vector<ComponentSamples> components(image->numcomps);
+  for (size_t c = 0; c < components.size(); ++c) {
+    const opj_image_comp_t& from = image->comps[c];
+    messages.require(from.data != nullptr, "decode a component");
+    components[c] = {static_cast<int32_t>(from.w), static_cast<int32_t>(from.h), static_cast<int32_t>(from.prec),
+                     from.sgnd != 0, std::vector<int32_t>(from.data, from.data + size_t{from.w} * from.h)};
+  }
+  return components;
+}
+
+opj_cparameters_t defaults() {
+  opj_cparameters_t parameters;
+  opj_set_default_encoder_parameters(&parameters);
+  parameters.tcp_numlayers = 1;
+  parameters.tcp_rates[0] = 0;
+  parameters.cp_disto_alloc = 1;
+  return parameters;
+}
+
+std::vector<uint8_t> encode(const PeerImage& picture, const opj_cparameters_t& parameters, bool codestreamOnly,
+                            int threads, const char* const* extraOptions) {
+  const Image image = makeImage(picture);
+  const Codec codec(opj_create_compress(codestreamOnly ? OPJ_CODEC_J2K : OPJ_CODEC_JP2));
+  Messages messages;
+  messages.listen(codec.get());
+  opj_cparameters_t copy = parameters;
+  messages.require(opj_setup_encoder(codec.get(), &copy, image.get()), "be set up");
+  opj_codec_set_threads(codec.get(), threads);
+  if (extraOptions != nullptr)
+    messages.require(opj_encoder_set_extra_options(codec.get(), extraOptions), "take an option");
+
+  Writer writer;
+  const Stream stream(opj_stream_default_create(OPJ_FALSE));
+  opj_stream_set_user_data(stream.get(), &writer, nullptr);
+  opj_stream_set_write_function(stream.get(), &Writer::write);
+  opj_stream_set_skip_function(stream.get(), &Writer::skip);
+  opj_stream_set_seek_function(stream.get(), &Writer::seek);
+  messages.require(opj_start_compress(codec.get(), image.get(), stream.get()), "start");
+  messages.require(opj_encode(codec.get(), stream.get()), "encode");
+  messages.require(opj_end_compress(codec.get(), stream.get()), "end");
+  return std::move(writer.bytes);
+}
+
+std::vector<uint8_t> encode(const DeepImage& image, const opj_cparameters_t& parameters, bool codestreamOnly,
+                            int threads, const char* const* extraOptions) {
+  PeerImage picture = {0, 0, static_cast<uint32_t>(image.width), static_cast<uint32_t>(image.height), {}};
+  picture.components.resize(static_cast<size_t>(image.channels));
+  const size_t channels = picture.components.size();
+  for (size_t c = 0; c < channels; ++c) {
+    picture.components[c].precision = static_cast<uint32_t>(image.precision);
+    picture.components[c].samples.resize(image.samples.size() / channels);
+    for (size_t i = 0; i < picture.components[c].samples.size(); ++i)
+      picture.components[c].samples[i] = image.samples[i * channels + c];
+  }
+  return encode(picture, parameters, codestreamOnly, threads, extraOptions);
+}
+
+}  // namespace interop::openjpeg
