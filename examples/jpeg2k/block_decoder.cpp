@@ -14,6 +14,7 @@ namespace {
 // Magnitudes are decoded with one more bit below, which holds the middle of what the bits above leave open.
 constexpr int32_t kHalfBits = 1;
 constexpr int32_t kMaxPlanes = 31 - kHalfBits;
+constexpr size_t kMaxBlockSamples = 4096;
 
 // From sign and magnitude.
 inline int32_t integerOf(int32_t sample) {
@@ -55,12 +56,7 @@ BandCoding bandCoding(const ComponentCoding& coding, const Subband& band, int32_
   return result;
 }
 
-BlockDecoder::BlockDecoder(int32_t blockWidth, int32_t blockHeight)
-    : samples_(size_t{1} << (blockWidth + blockHeight)) {
-  int32_t bytes = 0;
-  zoriDecodeGetBufSize_JPEG2K({1 << blockWidth, 1 << blockHeight}, &bytes);
-  state_.resize(static_cast<size_t>(bytes));
-}
+BlockDecoder::BlockDecoder() : samples_(kMaxBlockSamples) {}
 
 bool BlockDecoder::decodeMagnitudes(const PacketReader& packets, const PacketBlock& block, const Rect& rect,
                                     const BandCoding& coding) {
@@ -89,17 +85,21 @@ bool BlockDecoder::decodeMagnitudes(const PacketReader& packets, const PacketBlo
     joined_.push_back(0);  // so that there is an address where there are no bytes
     bytes = joined_.data();
   }
+  const RoiSize size = {rect.width(), rect.height()};
+  int32_t stateSize = 0;
+  zoriDecodeGetBufSize_JPEG2K(size, &stateSize);
+  if (state_.size() < static_cast<size_t>(stateSize)) state_.resize(static_cast<size_t>(stateSize));
   const int32_t planes = coding.planes - block.zeroPlanes;
-  const bool possible = planes > 0 && planes <= kMaxPlanes && passes <= 3 * planes - 2;
   if (planes <= 0 || planes > kMaxPlanes) {
     std::fill(samples_.begin(), samples_.end(), 0);
     return false;
   }
+  const int32_t possiblePasses = 3 * planes - 2;
   const StatusCode status = zoriDecodeCodeBlock_JPEG2K_1u32s_C1R(
-      bytes, samples_.data(), rect.width() * int32_t{sizeof(int32_t)}, {rect.width(), rect.height()}, coding.kind,
-      planes + kHalfBits, std::min(passes, 3 * planes - 2), lengths_.data(), static_cast<int32_t>(lengths_.size()),
-      coding.flags, nullptr, state_.data());
-  return status == StatusOk && possible;
+      bytes, samples_.data(), rect.width() * int32_t{sizeof(int32_t)}, size, coding.kind, planes + kHalfBits,
+      std::min(passes, possiblePasses), lengths_.data(), static_cast<int32_t>(lengths_.size()), coding.flags, nullptr,
+      state_.data());
+  return status == StatusOk && passes <= possiblePasses;
 }
 
 template <class T>

@@ -23,8 +23,7 @@ BandCoding bandCoding(const ComponentCoding& coding, const Subband& band, int32_
 // What a thread needs for one block after the other.
 class BlockDecoder {
  public:
-  // For blocks up to this size, as exponents of 2.
-  BlockDecoder(int32_t blockWidth, int32_t blockHeight);
+  BlockDecoder();
 
   // Writes as much of a block as lies in the window. False if its data are damaged; what is before the damage is
   // written. T is int16_t or int32_t for reversible coding, float for irreversible coding.

@@ -64,8 +64,8 @@ struct ComponentSamples {
   int32_t width = 0;
   int32_t height = 0;
   int32_t precision = 0;
-  bool isSigned = false;
-  std::vector<int32_t> samples;
+  bool isSigned = false;          // as the file has them
+  std::vector<uint16_t> samples;  // raised to start at 0
 };
 DecodeReport decodeComponents(std::span<const uint8_t> file, const DecodeOptions& options,
                               std::vector<ComponentSamples>& components);
