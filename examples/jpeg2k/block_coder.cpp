@@ -54,7 +54,7 @@ bool endsSegment(uint32_t style, int32_t pass) {
   return (style & block_style::bypass) != 0 && pass >= 9 && pass % 3 != 1;
 }
 
-BlockCoder::BlockCoder(Extent largest, uint32_t style, bool needHulls) : style_(style), needHulls_(needHulls) {
+BlockCoder::BlockCoder(Extent largest, uint32_t style, Results results) : style_(style), results_(results) {
   J2kEncodeState* state = nullptr;
   if (zoriEncodeInitAlloc_JPEG2K(&state, {largest.width, largest.height}) != StatusOk) throw std::bad_alloc();
   state_.reset(state);
@@ -83,6 +83,10 @@ CodedBlock BlockCoder::code(const BlockJob<T>& job) {
       libraryStyle(style_) | (lossless ? uint32_t{CbLosslessLastPlane} : 0u), &planes, &passes, &segments));
   CodedBlock block;
   block.planes = std::max(planes - kFraction<T>, 0);
+  if (results_ == Results::hullsAndErrors) {
+    const size_t count = static_cast<size_t>(job.size.width) * static_cast<size_t>(job.size.height);
+    block.error = std::ldexp(leftOver(count, kFraction<T> + job.lowestPlane), -2 * kFraction<T>) * job.weight;
+  }
   if (passes == 0) return block;
   store();
   rates_.resize(static_cast<size_t>(passes));
@@ -90,7 +94,7 @@ CodedBlock BlockCoder::code(const BlockJob<T>& job) {
     check(zoriEncodeGetRate_JPEG2K(state_.get(), pass, &rates_[static_cast<size_t>(pass)]));
   block.codeword = codewords_.copy(std::span<const uint8_t>(codeword_.data(), length_));
   block.rates = allRates_.copy(rates_);
-  if (needHulls_) findHull(std::ldexp(job.weight, 2 * job.lowestPlane), block);
+  if (results_ != Results::codewords) findHull(std::ldexp(job.weight, 2 * job.lowestPlane), block);
   return block;
 }
 
@@ -107,14 +111,15 @@ void BlockCoder::store() {
 
 void BlockCoder::findHull(double weight, CodedBlock& block) {
   points_.clear();
+  double gain = 0;
   const auto passes = static_cast<int32_t>(block.rates.size());
   for (int32_t pass = 0; pass < passes; ++pass) {
+    check(zoriEncodeGetDist_JPEG2K(state_.get(), pass, &gain));
     // Where decoders may check how a segment ends, it has to end there.
     if ((style_ & block_style::pterm) != 0 && pass + 1 < passes && !endsSegment(style_, pass)) continue;
-    double gain = 0;
-    check(zoriEncodeGetDist_JPEG2K(state_.get(), pass, &gain));
     points_.push_back({pass + 1, block.rates[static_cast<size_t>(pass)], gain * weight});
   }
+  block.error += gain * weight;
   convexHull(points_, hull_);
   block.hull = hulls_.copy(hull_);
 }
@@ -127,16 +132,16 @@ void BlockCoder::countBits(const BlockJob<T>& job, std::span<int64_t, 33> counts
     ++counts[static_cast<size_t>(std::bit_width(static_cast<uint32_t>(samples_[i]) << 1 >> (1 + kFraction<T>)))];
 }
 
-template <class T>
-double BlockCoder::energy(const BlockJob<T>& job) {
-  quantise(job);
-  const size_t count = static_cast<size_t>(job.size.width) * static_cast<size_t>(job.size.height);
+// The sum of squares of what the decoder misses if it has all passes down to a plane of `samples_`.
+double BlockCoder::leftOver(size_t count, int32_t lowest) const {
+  const int32_t middle = (1 << lowest) >> 1;
   double sum = 0;
   for (size_t i = 0; i < count; ++i) {
-    const double magnitude = samples_[i] & INT32_MAX;
-    sum += magnitude * magnitude;
+    const int32_t magnitude = samples_[i] & INT32_MAX, decoded = magnitude >> lowest << lowest;
+    const double error = magnitude - (decoded == 0 ? 0 : decoded + middle);
+    sum += error * error;
   }
-  return std::ldexp(sum * job.weight, -2 * kFraction<T>);
+  return sum;
 }
 
 template CodedBlock BlockCoder::code(const BlockJob<int16_t>&);
@@ -145,8 +150,5 @@ template CodedBlock BlockCoder::code(const BlockJob<float>&);
 template void BlockCoder::countBits(const BlockJob<int16_t>&, std::span<int64_t, 33>);
 template void BlockCoder::countBits(const BlockJob<int32_t>&, std::span<int64_t, 33>);
 template void BlockCoder::countBits(const BlockJob<float>&, std::span<int64_t, 33>);
-template double BlockCoder::energy(const BlockJob<int16_t>&);
-template double BlockCoder::energy(const BlockJob<int32_t>&);
-template double BlockCoder::energy(const BlockJob<float>&);
 
 }  // namespace examples::jpeg2k

@@ -19,6 +19,7 @@ struct CodedBlock {
   std::span<const uint8_t> codeword;
   std::span<const int32_t> rates;  // bytes of the codeword that passes up to each need
   Hull hull;
+  double error = 0;  // squared, in the picture, without any of the passes
 };
 
 // A block's coefficients, and how they are coded.
@@ -41,8 +42,10 @@ constexpr int32_t kFractionBits = 6;
 
 class BlockCoder {
  public:
-  // `style` is the code-block style of the codestream. Without `needHulls` there will be no hulls.
-  BlockCoder(Extent largest, uint32_t style, bool needHulls);
+  enum class Results { codewords, hulls, hullsAndErrors };
+
+  // `style` is the code-block style of the codestream.
+  BlockCoder(Extent largest, uint32_t style, Results results);
 
   template <class T>
   CodedBlock code(const BlockJob<T>& job);
@@ -50,9 +53,6 @@ class BlockCoder {
   // How many of the quantised coefficients of a block have how many bits.
   template <class T>
   void countBits(const BlockJob<T>& job, std::span<int64_t, 33> counts);
-  // The squared error in the picture that leaving out a block makes.
-  template <class T>
-  double energy(const BlockJob<T>& job);
 
  private:
   struct FreeState {
@@ -63,9 +63,10 @@ class BlockCoder {
   void quantise(const BlockJob<T>& job);
   void store();
   void findHull(double weight, CodedBlock& block);
+  double leftOver(size_t count, int32_t lowestPlane) const;
 
   uint32_t style_;
-  bool needHulls_;
+  Results results_;
   std::unique_ptr<J2kEncodeState, FreeState> state_;
   std::unique_ptr<int32_t[]> samples_;
   std::vector<uint8_t> codeword_;

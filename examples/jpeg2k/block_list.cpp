@@ -53,8 +53,11 @@ BlockList<T>::BlockList(const EncodeSettings& settings, std::span<TileBlocks> ti
     : threads_(options.threads) {
   for (size_t tile = 0; tile < tiles.size(); ++tile) addBlocks(settings, tile, tiles[tile], transform);
   coded_.resize(jobs_.size());
-  const bool needHulls = options.layers > 1 || options.ratio > 0 || options.psnr > 0;
-  for (int32_t i = 0; i < threads_; ++i) coders_.emplace_back(options.block, options.style, needHulls);
+  using Results = BlockCoder::Results;
+  const Results results = options.psnr > 0                          ? Results::hullsAndErrors
+                          : options.layers > 1 || options.ratio > 0 ? Results::hulls
+                                                                    : Results::codewords;
+  for (int32_t i = 0; i < threads_; ++i) coders_.emplace_back(options.block, options.style, results);
 }
 
 template <class T>
@@ -152,18 +155,19 @@ template <class T>
 void BlockList<T>::codeForError(double squaredError) {
   const std::vector<size_t> some = sample();
   const double allowed = squaredError * shareOf(some);
-  double count = 0, energy = 0;
-  for (const size_t i : some) {
-    count += static_cast<double>(jobs_[i].size.width) * jobs_[i].size.height;
-    energy += coders_[0].energy(jobs_[i]);
-  }
+  double count = 0;
+  for (const size_t i : some) count += static_cast<double>(jobs_[i].size.width) * jobs_[i].size.height;
   for (const size_t i : some) {
     // With this plane the error of a coefficient is at most that of an equal distribution around zero.
     const double squares = 3 * allowed / count / jobs_[i].weight;
     jobs_[i].lowestPlane = static_cast<int32_t>(std::clamp(std::floor(std::log2(squares) / 2), 0.0, 30.0));
   }
   code(some);
-  codeRest(some, [&](std::span<const Hull> hulls) { return slopeForGain(hulls, energy - allowed); });
+  codeRest(some, [&](std::span<const Hull> hulls) {
+    double error = 0;
+    for (const size_t i : some) error += coded_[i].error;
+    return slopeForGain(hulls, error - allowed);
+  });
 }
 
 // Codes all blocks down to the planes that the slope needs which some, already coded, find best.
@@ -200,12 +204,10 @@ int32_t BlockList<T>::guardBits(const Quantization& quantization) const {
 }
 
 template <class T>
-double BlockList<T>::energy() {
-  std::vector<double> energies(jobs_.size());
-  inParallel(static_cast<int64_t>(jobs_.size()), threads_, [&](int64_t i, int32_t thread) {
-    energies[static_cast<size_t>(i)] = coders_[static_cast<size_t>(thread)].energy(jobs_[static_cast<size_t>(i)]);
-  });
-  return std::accumulate(energies.begin(), energies.end(), 0.0);
+double BlockList<T>::error() const {
+  double sum = 0;
+  for (const CodedBlock& block : coded_) sum += block.error;
+  return sum;
 }
 
 template class BlockList<int16_t>;

@@ -31,8 +31,8 @@ class BlockList {
   std::span<const CodedBlock> blocks() const { return coded_; }
   // Needed by the coefficients, once they are coded.
   int32_t guardBits(const Quantization& quantization) const;
-  // The squared error that leaving out all blocks makes.
-  double energy();
+  // The squared error that leaving out all blocks makes; known when they are coded for an error.
+  double error() const;
 
  private:
   void addBlocks(const EncodeSettings& settings, size_t tile, TileBlocks& blocks, const TileTransform<T>& transform);

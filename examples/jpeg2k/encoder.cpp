@@ -73,19 +73,19 @@ LayerSlopes codeBlocks(BlockList<T>& list, std::span<const TileBlocks> tiles, En
                        const EncodeOptions& options, int64_t otherBytes) {
   LayerTarget target;
   target.otherBytes = otherBytes;
+  const double allowedError = options.psnr > 0 ? targetError(settings.size, options.psnr) : 0;
   Quantization& quantization = settings.coding.components[0].quantization;
   if (options.ratio > 0) {
     target.bytes = targetBytes(settings.size, options.ratio);
     list.codeForBytes(target.bytes);
   } else if (options.psnr > 0) {
-    const double error = targetError(settings.size, options.psnr);
-    list.codeForError(error);
-    target.gain = list.energy() - error;
+    list.codeForError(allowedError);
   } else {
     list.codeEverything();
   }
   LayerSlopes slopes;
   do {
+    if (options.psnr > 0) target.gain = std::max(list.error() - allowedError, 0.0);
     quantization.guardBits = list.guardBits(quantization);
     for (ComponentCoding& coding : settings.coding.components) coding.quantization = quantization;
     slopes = allocateLayers(tiles, settings.coding, list.blocks(), target);

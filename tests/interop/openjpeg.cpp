@@ -153,7 +153,10 @@ std::vector<ComponentSamples> decode(std::span<const uint8_t> file, const Decode
     const opj_image_comp_t& from = image->comps[c];
     messages.require(from.data != nullptr, "decode a component");
     components[c] = {static_cast<int32_t>(from.w), static_cast<int32_t>(from.h), static_cast<int32_t>(from.prec),
-                     from.sgnd != 0, std::vector<int32_t>(from.data, from.data + size_t{from.w} * from.h)};
+                     from.sgnd != 0, std::vector<uint16_t>(size_t{from.w} * from.h)};
+    const int32_t raised = from.sgnd != 0 ? 1 << (from.prec - 1) : 0;
+    std::transform(from.data, from.data + components[c].samples.size(), components[c].samples.begin(),
+                   [=](int32_t sample) { return static_cast<uint16_t>(sample + raised); });
   }
   return components;
 }
