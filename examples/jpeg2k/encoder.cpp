@@ -64,7 +64,8 @@ int64_t targetBytes(const ImageSize& size, double ratio) {
 double targetError(const ImageSize& size, double psnr) {
   const double peak = (1 << size.components[0].precision) - 1;
   const double mean = peak * peak / std::pow(10, psnr / 10);
-  return std::max(mean - 1.0 / 12, 0.0) * sampleCount(size);
+  constexpr double kCommonErrors = 1.025;
+  return std::max(mean - 1.0 / 12, 0.0) / kCommonErrors * sampleCount(size);
 }
 
 // Codes blocks as far as a target needs, and finds the slopes of all layers.
