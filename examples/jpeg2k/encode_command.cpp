@@ -1,5 +1,7 @@
 #include "jpeg2k/encode_command.h"
 
+#include <zorcore.h>
+
 #include <algorithm>
 #include <cctype>
 #include <map>
@@ -113,6 +115,7 @@ void describeEncode(CLI::App& command, EncodeCommand& encode) {
       "--no-conversion", [&options] { options.convertColors = false; }, "code RGB as it is: a larger file");
   command.add_flag("--sop", options.sop, "markers before packets, by which decoders find their\nway through damage");
   command.add_flag("--eph", options.eph, "markers behind the headers of packets");
+  options.threads = ownGetNumThreads();
   command
       .add_option("--threads", options.threads,
                   "threads to use; one for each processor if not\ngiven; the file does not depend on it")
@@ -122,6 +125,7 @@ void describeEncode(CLI::App& command, EncodeCommand& encode) {
 
 int runEncode(EncodeCommand encode) {
   encode.options.codestreamOnly = isCodestreamName(encode.output);
+  zorSetNumThreads(1);  // the encoder has threads of its own
   std::vector<uint8_t> bytes;
   jpeg2k::encode(readDeepImage(encode.input), encode.options, bytes);
   OutputFile file(encode.output);
