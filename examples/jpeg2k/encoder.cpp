@@ -59,79 +59,137 @@ int64_t targetBytes(const ImageSize& size, double ratio) {
   return std::max(static_cast<int64_t>(sampleCount(size) * size.components[0].precision / 8 / ratio), int64_t{1});
 }
 
-// The squared error of the picture before its samples are rounded, which adds a twelfth to each; where that is more
-// than what is allowed in all, no quality will do.
-double targetError(const ImageSize& size, double psnr) {
+// The squared error of a picture with this quality.
+double errorOf(const ImageSize& size, double psnr) {
   const double peak = (1 << size.components[0].precision) - 1;
-  const double mean = peak * peak / std::pow(10, psnr / 10);
-  constexpr double kCommonErrors = 1.025;
-  return std::max(mean - 1.0 / 12, 0.0) / kCommonErrors * sampleCount(size);
+  return peak * peak / std::pow(10, psnr / 10) * sampleCount(size);
 }
 
-// Codes blocks as far as a target needs, and finds the slopes of all layers.
+// The squared error that rounding the samples adds.
+double roundingError(const ImageSize& size) { return sampleCount(size) / 12; }
+
+template <class Sample>
+double errorOf(const BasicImage<Sample>& image, std::span<const uint8_t> file, int32_t threads) {
+  DecodeOptions options;
+  options.threads = threads;
+  std::vector<ComponentSamples> components;
+  decodeComponents(file, options, components);
+  const size_t channels = components.size();
+  double sum = 0;
+  for (size_t c = 0; c < channels; ++c) {
+    const std::vector<uint16_t>& samples = components[c].samples;
+    for (size_t i = 0; i < samples.size(); ++i) {
+      const double error = int32_t{samples[i]} - int32_t{image.samples[i * channels + c]};
+      sum += error * error;
+    }
+  }
+  return sum;
+}
+
 template <class T>
-LayerSlopes codeBlocks(BlockList<T>& list, std::span<const TileBlocks> tiles, EncodeSettings& settings,
-                       const EncodeOptions& options, int64_t otherBytes) {
-  LayerTarget target;
-  target.otherBytes = otherBytes;
-  const double allowedError = options.psnr > 0 ? targetError(settings.size, options.psnr) : 0;
-  Quantization& quantization = settings.coding.components[0].quantization;
-  if (options.ratio > 0) {
-    target.bytes = targetBytes(settings.size, options.ratio);
-    list.codeForBytes(target.bytes);
-  } else if (options.psnr > 0) {
-    list.codeForError(allowedError);
-  } else {
-    list.codeEverything();
+class ImageEncoder {
+ public:
+  template <class Sample>
+  ImageEncoder(const BasicImage<Sample>& image, EncodeSettings& settings, const EncodeOptions& options)
+      : settings_(settings),
+        options_(options),
+        tiles_(makeTiles(settings)),
+        transform_(image, rects(), options.levels, settings.coding.colorTransform, options.threads),
+        list_(settings, tiles_, transform_, options),
+        frame_(settings, options.codestreamOnly) {}
+
+  void encodeAll(std::vector<uint8_t>& bytes) {
+    list_.codeEverything();
+    writeFile(slopes({}), bytes);
   }
-  LayerSlopes slopes;
-  do {
-    if (options.psnr > 0) target.gain = std::max(list.error() - allowedError, 0.0);
-    quantization.guardBits = list.guardBits(quantization);
-    for (ComponentCoding& coding : settings.coding.components) coding.quantization = quantization;
-    slopes = allocateLayers(tiles, settings.coding, list.blocks(), target);
-  } while (slopes.back() != kEverything && list.codeFurther(slopes.back()));
-  return slopes;
-}
 
-void writePackets(const ImageSize& size, const TileBlocks& tile, const TileCoding& coding,
-                  std::span<const CodedBlock> blocks, const LayerSlopes& slopes, std::vector<uint8_t>& bytes) {
-  PacketWriter writer(tile, coding, blocks);
-  PacketOrder order(size, tile.tile, coding);
-  Packet packet;
-  while (order.next(packet)) writer.write(packet, slopes[static_cast<size_t>(packet.layer)], true, bytes);
-}
-
-template <class T, class Sample>
-void encodeAs(const BasicImage<Sample>& image, EncodeSettings& settings, const EncodeOptions& options,
-              std::vector<uint8_t>& bytes) {
-  std::vector<TileBlocks> tiles = makeTiles(settings);
-  std::vector<Rect> rects;
-  for (const TileBlocks& tile : tiles) rects.push_back(tile.tile.rect);
-  const TileTransform<T> transform(image, rects, options.levels, settings.coding.colorTransform, options.threads);
-  BlockList<T> list(settings, tiles, transform, options);
-  const FileFrame frame(settings, options.codestreamOnly);
-  const LayerSlopes slopes = codeBlocks(list, tiles, settings, options, frame.bytes(tiles.size()));
-
-  bytes.clear();
-  ByteWriter file(bytes);
-  const size_t start = frame.begin(file);
-  for (const TileBlocks& tile : tiles) {
-    const size_t part = beginTilePart(tile.tile.number, file);
-    writePackets(settings.size, tile, settings.coding, list.blocks(), slopes, bytes);
-    endTilePart(part, file);
+  void encodeToBytes(int64_t most, std::vector<uint8_t>& bytes) {
+    list_.codeForBytes(most);
+    writeFile(slopesOfNeededPasses([&] { return LayerTarget{LayerTarget::Kind::bytes, most, 0, 0}; }), bytes);
   }
-  frame.end(start, file);
-}
+
+  // The norms of the subbands tell of the picture's error as if those of coefficients had nothing in common: decoding
+  // tells how far that is wrong. Of the files that are good enough the smallest is taken.
+  template <class Sample>
+  void encodeToError(double wanted, const BasicImage<Sample>& image, std::vector<uint8_t>& bytes) {
+    constexpr int kAttempts = 4, kMostAttempts = 16;
+    constexpr double kNear = 0.99, kAim = 0.997;
+    const double rounding = roundingError(settings_.size);
+    double allowed = std::max(kAim * wanted - rounding, 0.0), tooMuch = INFINITY, best = -1;
+    list_.codeForError(allowed);
+    std::vector<uint8_t> attempted;
+    for (int attempt = 1; attempt <= kAttempts || (best < 0 && attempt <= kMostAttempts); ++attempt) {
+      const auto target = [&] { return LayerTarget{LayerTarget::Kind::gain, 0, list_.error() - allowed, 0}; };
+      writeFile(slopesOfNeededPasses(target), attempted);
+      const double error = errorOf(image, attempted, options_.threads);
+      if (error > wanted) tooMuch = allowed;
+      if (error <= wanted ? error > best : best < 0) bytes.swap(attempted);
+      if (error <= wanted) best = std::max(best, error);
+      if (best >= kNear * wanted || allowed == 0 || error <= rounding) return;
+      allowed *= std::max(kAim * wanted - rounding, 0.0) / (error - rounding);
+      if (allowed >= tooMuch) allowed = 0.995 * tooMuch;
+    }
+  }
+
+ private:
+  std::vector<Rect> rects() const {
+    std::vector<Rect> rects;
+    for (const TileBlocks& tile : tiles_) rects.push_back(tile.tile.rect);
+    return rects;
+  }
+
+  LayerSlopes slopes(LayerTarget target) {
+    const int32_t guardBits = list_.guardBits(settings_.coding.components[0].quantization);
+    for (ComponentCoding& coding : settings_.coding.components) coding.quantization.guardBits = guardBits;
+    target.otherBytes = frame_.bytes(tiles_.size());
+    return allocateLayers(tiles_, settings_.coding, list_.blocks(), target);
+  }
+
+  // Where passes turn out to be needed that have been left out, the blocks are coded again.
+  template <class MakeTarget>
+  LayerSlopes slopesOfNeededPasses(const MakeTarget& makeTarget) {
+    LayerSlopes found = slopes(makeTarget());
+    while (list_.codeFurther(found.back())) found = slopes(makeTarget());
+    return found;
+  }
+
+  void writeFile(const LayerSlopes& slopes, std::vector<uint8_t>& bytes) const {
+    bytes.clear();
+    ByteWriter file(bytes);
+    const size_t start = frame_.begin(file);
+    for (const TileBlocks& tile : tiles_) {
+      const size_t part = beginTilePart(tile.tile.number, file);
+      PacketWriter writer(tile, settings_.coding, list_.blocks());
+      PacketOrder order(settings_.size, tile.tile, settings_.coding);
+      Packet packet;
+      while (order.next(packet)) writer.write(packet, slopes[static_cast<size_t>(packet.layer)], true, bytes);
+      endTilePart(part, file);
+    }
+    frame_.end(start, file);
+  }
+
+  EncodeSettings& settings_;
+  const EncodeOptions& options_;
+  std::vector<TileBlocks> tiles_;
+  TileTransform<T> transform_;
+  BlockList<T> list_;
+  FileFrame frame_;
+};
 
 template <class Sample>
 void encodeImage(const BasicImage<Sample>& image, const EncodeOptions& options, std::vector<uint8_t>& file) {
   // The coefficients of samples of so many bits stay small enough for words of 16 bits.
   constexpr int32_t kSmallPrecision = 10;
   EncodeSettings settings = makeSettings(image.width, image.height, image.channels, image.precision, options);
-  if (!settings.coding.components[0].style.reversible) return encodeAs<float>(image, settings, options, file);
-  if (image.precision > kSmallPrecision) return encodeAs<int32_t>(image, settings, options, file);
-  encodeAs<int16_t>(image, settings, options, file);
+  if (options.ratio > 0) {
+    ImageEncoder<float>(image, settings, options).encodeToBytes(targetBytes(settings.size, options.ratio), file);
+  } else if (options.psnr > 0) {
+    ImageEncoder<float>(image, settings, options).encodeToError(errorOf(settings.size, options.psnr), image, file);
+  } else if (image.precision <= kSmallPrecision) {
+    ImageEncoder<int16_t>(image, settings, options).encodeAll(file);
+  } else {
+    ImageEncoder<int32_t>(image, settings, options).encodeAll(file);
+  }
 }
 
 }  // namespace

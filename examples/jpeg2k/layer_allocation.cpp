@@ -92,12 +92,14 @@ double layerShare(int32_t layer, int32_t layers) {
 
 LayerSlopes allocateLayers(std::span<const TileBlocks> tiles, const TileCoding& coding,
                            std::span<const CodedBlock> blocks, const LayerTarget& target) {
-  const bool everything = target.bytes == 0 && target.gain == 0;
+  using Kind = LayerTarget::Kind;
+  const bool everything = target.kind == Kind::everything;
   if (everything && coding.layers == 1) return {kEverything};
   LayerAllocator allocator(tiles, coding, blocks, target.otherBytes);
   // Only a size has to be met exactly; other layers may be off by what packet headers take.
-  double last = everything ? kEverything : target.gain > 0 ? slopeForGain(allocator.hulls(), target.gain) : 0;
-  const int64_t all = target.bytes > 0 ? target.bytes : target.otherBytes + allocator.bodyBytes(last);
+  double last = everything ? kEverything : 0;
+  if (target.kind == Kind::gain) last = target.gain > 0 ? slopeForGain(allocator.hulls(), target.gain) : kNothing;
+  const int64_t all = target.kind == Kind::bytes ? target.bytes : target.otherBytes + allocator.bodyBytes(last);
   LayerSlopes slopes;
   for (int32_t layer = 0; layer + 1 < coding.layers; ++layer) {
     const auto share = static_cast<int64_t>(static_cast<double>(all) * layerShare(layer, coding.layers));
@@ -105,7 +107,7 @@ LayerSlopes allocateLayers(std::span<const TileBlocks> tiles, const TileCoding& 
     if (layer > 0) slopes.back() = std::min(slopes.back(), slopes[slopes.size() - 2]);
     allocator.settle(slopes.back());
   }
-  if (target.bytes > 0) last = allocator.slopeForFile(target.bytes, 0);
+  if (target.kind == Kind::bytes) last = allocator.slopeForFile(target.bytes, 0);
   slopes.push_back(slopes.empty() || everything ? last : std::min(last, slopes.back()));
   return slopes;
 }

@@ -10,13 +10,15 @@
 namespace examples::jpeg2k {
 
 struct LayerTarget {
-  int64_t bytes = 0;       // of the whole file; 0 for none
-  double gain = 0;         // by how much the squared error is to be reduced; 0 for none
+  enum class Kind { everything, bytes, gain };
+  Kind kind = Kind::everything;
+  int64_t bytes = 0;       // of the whole file
+  double gain = 0;         // by how much the squared error is to be reduced
   int64_t otherBytes = 0;  // those of the file that are not packets
 };
 
-// The slopes of all layers. The last one reaches the target, or has everything if there is none; it has no more bytes
-// than asked for, unless packets without any passes have more. Each layer before has half of the bytes of the next one,
+// The slopes of all layers. The last one reaches the target; it has no more bytes than asked for, unless packets
+// without any passes have more. Each layer before has half of the bytes of the next one,
 // as long as they are not less than a 256th of all.
 LayerSlopes allocateLayers(std::span<const TileBlocks> tiles, const TileCoding& coding,
                            std::span<const CodedBlock> blocks, const LayerTarget& target);

@@ -20,10 +20,13 @@ void expectExact(const DeepImage& image, const EncodeOptions& options) {
   expectSamples(image, decoded(file));
 }
 
-// Both decoders undo the transforms in floats of their own order: samples may be rounded to neighbours.
+// Both decoders undo the transforms in floats of their own order: samples may be rounded to neighbours. The peer rounds
+// the factors of green to 0.344 and 0.714, which matters for samples of many bits.
 void expectAlike(const DeepImage& image, const EncodeOptions& options) {
   const std::vector<uint8_t> file = encoded(image, options);
-  expectSamples(asImage(decoded(file)), openjpeg::decode(file), image.precision > 12 ? 2 : 1);
+  const double factorError = 0.00013 + 0.00014;
+  const auto tolerance = 1 + static_cast<int32_t>(factorError * (1 << (image.precision - 1)));
+  expectSamples(asImage(decoded(file)), openjpeg::decode(file), tolerance);
 }
 
 TEST(Jpeg2kEncode, PeerReadsEverySizeChannelCountAndPrecision) {
@@ -161,8 +164,8 @@ TEST(Jpeg2kEncode, ReachesQualities) {
         EncodeOptions options;
         options.psnr = quality;
         const double reached = psnr(image, asImage(openjpeg::decode(encoded(image, options))));
-        EXPECT_GE(reached, quality - 0.02) << channels << " channels of " << precision << " bits";
-        EXPECT_LE(reached, quality + 0.25) << channels << " channels of " << precision << " bits";
+        EXPECT_GE(reached, quality) << channels << " channels of " << precision << " bits";
+        EXPECT_LE(reached, quality + 0.1) << channels << " channels of " << precision << " bits";
       }
     }
   }
