@@ -76,8 +76,12 @@ Layout makeLayout(const ImageSize& size, const DecodeOptions& options) {
     if (whole.empty()) throw Error("a component has no samples");
     const Spread across = {layout.dx, component.dx, whole.x0, whole.x1 - 1};
     const Spread down = {layout.dy, component.dy, whole.y0, whole.y1 - 1};
-    layout.components.push_back({across.sample(layout.pixels.x0), down.sample(layout.pixels.y0),
-                                 across.sample(layout.pixels.x1 - 1) + 1, down.sample(layout.pixels.y1 - 1) + 1});
+    Rect rect = {across.sample(layout.pixels.x0), down.sample(layout.pixels.y0),
+                 across.sample(layout.pixels.x1 - 1) + 1, down.sample(layout.pixels.y1 - 1) + 1};
+    // Where distances are no multiples of each other, the last samples may show in no pixel.
+    if (wanted.x1 == all.x1) rect.x1 = whole.x1;
+    if (wanted.y1 == all.y1) rect.y1 = whole.y1;
+    layout.components.push_back(rect);
   }
   return layout;
 }
