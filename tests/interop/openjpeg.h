@@ -12,6 +12,7 @@
 namespace interop::openjpeg {
 
 using examples::DeepImage;
+using examples::Image;
 using examples::jpeg2k::ComponentSamples;
 
 struct DecodeSettings {
@@ -24,11 +25,17 @@ struct DecodeSettings {
 // Components as they are coded, after the inverse colour transform. Throws std::runtime_error with what the peer says.
 std::vector<ComponentSamples> decode(std::span<const uint8_t> file, const DecodeSettings& settings = {});
 
+// The same as an image of samples of 8 bits.
+void decode(std::span<const uint8_t> file, const DecodeSettings& settings, Image& image);
+
 // The peer's defaults, for a file without loss: the 5/3 wavelet with 6 resolutions, blocks of 64 x 64, one layer.
 opj_cparameters_t defaults();
 
 // Encodes an image to a JP2 file or a codestream; `extraOptions` are those that the peer takes as text.
 std::vector<uint8_t> encode(const DeepImage& image, const opj_cparameters_t& parameters, bool codestreamOnly = false,
+                            int threads = 1, const char* const* extraOptions = nullptr);
+
+std::vector<uint8_t> encode(const Image& image, const opj_cparameters_t& parameters, bool codestreamOnly = false,
                             int threads = 1, const char* const* extraOptions = nullptr);
 
 // An image with components of their own sizes, all unsigned or signed, at an offset on the reference grid.
