@@ -156,7 +156,7 @@ static OpjImage read(std::span<const uint8_t> file, const DecodeSettings& settin
   parameters.cp_layer = settings.layers;
   messages.require(opj_setup_decoder(codec.get(), &parameters), "be set up");
   opj_decoder_set_strict_mode(codec.get(), settings.strict ? OPJ_TRUE : OPJ_FALSE);
-  opj_codec_set_threads(codec.get(), settings.threads);
+  if (settings.threads > 1) opj_codec_set_threads(codec.get(), settings.threads);
 
   Reader reader = {file};
   const Stream stream(opj_stream_default_create(OPJ_TRUE));
@@ -221,7 +221,8 @@ static std::vector<uint8_t> write(opj_image_t* image, const opj_cparameters_t& p
   messages.listen(codec.get());
   opj_cparameters_t copy = parameters;
   messages.require(opj_setup_encoder(codec.get(), &copy, image), "be set up");
-  opj_codec_set_threads(codec.get(), threads);
+  // Even one thread would be another than the caller's.
+  if (threads > 1) opj_codec_set_threads(codec.get(), threads);
   if (extraOptions != nullptr)
     messages.require(opj_encoder_set_extra_options(codec.get(), extraOptions), "take an option");
 
