@@ -22,9 +22,10 @@ using MqContexts = std::array<MqContext, kContextCount>;
 // T.800 Table D.7.
 inline constexpr MqContexts kInitialContexts = [] {
   MqContexts contexts{};
-  contexts[kUniformContext] = 2 * 46;
-  contexts[kRunLengthContext] = 2 * 3;
-  contexts[kFirstZeroCodingContext] = 2 * 4;
+  contexts.fill(MqContext(0, 0));
+  contexts[kUniformContext] = MqContext(46, 0);
+  contexts[kRunLengthContext] = MqContext(3, 0);
+  contexts[kFirstZeroCodingContext] = MqContext(4, 0);
   return contexts;
 }();
 

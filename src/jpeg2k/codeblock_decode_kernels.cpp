@@ -28,7 +28,7 @@ uint32_t withMidpoint(uint32_t bit, int32_t plane) {
 struct MqCoded {
   MqDecoder mq;
   MqContexts& contexts;
-  uint32_t decide(uint32_t context) { return mq.decode(contexts[context]); }
+  [[gnu::always_inline]] uint32_t decide(uint32_t context) { return mq.decode(contexts[context]); }
   uint32_t sign(ColumnWord word, uint32_t row) {
     const uint32_t entry = kSignCodingTable[word.signs(row)];
     return decide(entry & 0x7F) ^ entry >> 7;
@@ -48,7 +48,7 @@ class Pass {
       : block_(block),
         map_(block.map),
         coded_(coded),
-        pitch_(block.map.pitch()),
+        up_(block.map.up()),
         newMagnitude_(withMidpoint(1, block.plane)) {}
 
   const Coded& significance() {
@@ -66,7 +66,7 @@ class Pass {
           candidates |= (StripeMap::laterNeighbours(bit & 3) << bit) & insignificant;
         }
       }
-      cell.visited = visited;
+      cell.visited |= visited;
     });
     return coded_;
   }
@@ -132,6 +132,7 @@ class Pass {
   void forEachCell(const Visit& visit) {
     for (int32_t stripe = 0; stripe < map_.stripes(); ++stripe) {
       Cell* const cells = map_.cells(stripe);
+      down_ = map_.down(stripe);
       uint32_t* const words = map_.words(stripe);
       uint8_t* const samples = block_.samples + ptrdiff_t{4} * stripe * block_.step;
       for (int32_t index = 0; index < map_.cellsInRow(); ++index) {
@@ -156,14 +157,15 @@ class Pass {
   void becomeSignificant(uint32_t bit) {
     uint32_t* const word = words_ + bit / 4;
     const uint32_t negative = coded_.sign(ColumnWord{*word}, bit & 3);
-    StripeMap::setSignificant<kCausal>(word, pitch_, bit & 3, negative);
+    StripeMap::setSignificant<kCausal>(word, up_, down_, bit & 3, negative);
     storeUnaligned(sampleAt(bit), negative << 31 | newMagnitude_);
   }
 
   const DecodedBlock& block_;
   const StripeMap map_;
   Coded coded_;
-  const ptrdiff_t pitch_;
+  const ptrdiff_t up_;
+  ptrdiff_t down_ = 0;
   const uint32_t newMagnitude_;
   uint32_t* words_ = nullptr;   // of the cell's first column
   uint8_t* samples_ = nullptr;  // the cell's first

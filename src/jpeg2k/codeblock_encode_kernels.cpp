@@ -36,18 +36,68 @@ uint32_t load(const uint8_t* source, int32_t step, RoiSize size, const StripeMap
   return all;
 }
 
-void splitPlanes(const uint32_t* samples, size_t cells, int32_t planes, CellBits* bits) {
-  for (size_t cell = 0; cell < cells; ++cell, samples += kCellBits) {
-    CellBits signs = 0;
-    for (int32_t i = 0; i < kCellBits; ++i) signs |= CellBits{samples[i] >> 31} << i;
-    bits[static_cast<size_t>(planes) * cells + cell] = signs;
-    for (int32_t plane = 0; plane < planes; ++plane) {
-      CellBits ones = 0;
-      for (int32_t i = 0; i < kCellBits; ++i) ones |= CellBits{samples[i] >> plane & 1} << i;
-      bits[static_cast<size_t>(plane) * cells + cell] = ones;
-    }
+#if ZORJ_SIMD
+
+using Words = hn::Vec128<int32_t>;
+
+// Bits 8 * kByte to 8 * kByte + 7 of 16 words.
+template <int kByte>
+hn::Vec128<uint8_t> bytesOf(const Words (&words)[4]) {
+  const hn::Repartition<int16_t, hn::DFromV<Words>> d16;
+  const auto byte = [](Words word) {
+    const Words low =
+        hn::BitCast(hn::DFromV<Words>(), hn::ShiftRight<8 * kByte>(hn::BitCast(hn::Full128<uint32_t>(), word)));
+    return hn::And(low, hn::Set(hn::DFromV<Words>(), 0xFF));
+  };
+  return packUnsigned(hn::ReorderDemote2To(d16, byte(words[0]), byte(words[1])),
+                      hn::ReorderDemote2To(d16, byte(words[2]), byte(words[3])));
+}
+
+// Takes those of the planes 8 * kByte to 8 * kByte + 7 that are below `planes`.
+template <int kByte>
+void splitBytes(const Words (&words)[4], int32_t planes, size_t cells, uint8_t* bits) {
+  constexpr int32_t kLowest = 8 * kByte;
+  const hn::Full128<int8_t> d;
+  auto rest = hn::BitCast(d, bytesOf<kByte>(words));
+  for (int32_t plane = kLowest + 7; plane >= kLowest; --plane, rest = hn::Add(rest, rest)) {
+    if (plane >= planes) continue;
+    hn::StoreMaskBits(d, hn::Lt(rest, hn::Zero(d)), bits + static_cast<size_t>(plane) * cells * sizeof(CellBits));
   }
 }
+
+void splitPlanes(const uint32_t* samples, size_t cells, int32_t planes, CellBits* bits) {
+  const hn::Full128<int32_t> d;
+  constexpr size_t kSamples = 16;
+  const auto* from = reinterpret_cast<const int32_t*>(samples);
+  auto* to = reinterpret_cast<uint8_t*>(bits);
+  uint8_t* signs = reinterpret_cast<uint8_t*>(bits + static_cast<size_t>(planes) * cells);
+  for (size_t i = 0; i < cells * kCellBits;
+       i += kSamples, from += kSamples, to += kSamples / 8, signs += kSamples / 8) {
+    const Words words[4] = {hn::Load(d, from), hn::Load(d, from + 4), hn::Load(d, from + 8), hn::Load(d, from + 12)};
+    splitBytes<0>(words, planes, cells, to);
+    if (planes > 8) splitBytes<1>(words, planes, cells, to);
+    if (planes > 16) splitBytes<2>(words, planes, cells, to);
+    if (planes > 24) splitBytes<3>(words, planes, cells, to);
+    const auto top = hn::BitCast(hn::Full128<int8_t>(), bytesOf<3>(words));
+    hn::StoreMaskBits(hn::Full128<int8_t>(), hn::Lt(top, hn::Zero(hn::Full128<int8_t>())), signs);
+  }
+}
+
+#else
+
+void splitPlanes(const uint32_t* samples, size_t cells, int32_t planes, CellBits* bits) {
+  for (size_t cell = 0; cell < cells; ++cell, samples += kCellBits) {
+    const auto bitsOf = [samples](int32_t plane) {
+      CellBits ones = 0;
+      for (int32_t i = 0; i < kCellBits; ++i) ones |= CellBits{samples[i] >> plane & 1} << i;
+      return ones;
+    };
+    for (int32_t plane = 0; plane < planes; ++plane) bits[static_cast<size_t>(plane) * cells + cell] = bitsOf(plane);
+    bits[static_cast<size_t>(planes) * cells + cell] = bitsOf(31);
+  }
+}
+
+#endif
 
 // A pass over the block, cell by cell.
 template <bool kCausal, bool kRaw>
@@ -57,7 +107,7 @@ class Pass {
       : block_(block),
         map_(block.map),
         next_(decisions),
-        pitch_(block.map.pitch()),
+        up_(block.map.up()),
         magnitudeUp_(block.plane < 6 ? static_cast<uint32_t>(6 - block.plane) : 0),
         magnitudeDown_(block.plane < 6 ? 0 : static_cast<uint32_t>(block.plane - 6)) {}
 
@@ -132,6 +182,7 @@ class Pass {
   Decision* forEachCell(const Visit& visit) {
     for (int32_t stripe = 0; stripe < map_.stripes(); ++stripe) {
       Cell* const cells = map_.cells(stripe);
+      down_ = map_.down(stripe);
       uint32_t* const words = map_.words(stripe);
       for (int32_t index = 0; index < map_.cellsInRow(); ++index) {
         const size_t at = block_.cellIndex(stripe, index);
@@ -167,14 +218,15 @@ class Pass {
     const auto negative = static_cast<uint32_t>(signs_ >> bit & 1);
     const uint32_t entry = kRaw ? 0 : kSignCodingTable[ColumnWord{*word}.signs(bit & 3)];
     code(entry & 0x7F, negative ^ entry >> 7);
-    StripeMap::setSignificant<kCausal>(word, pitch_, bit & 3, negative);
+    StripeMap::setSignificant<kCausal>(word, up_, down_, bit & 3, negative);
     distortion_ += static_cast<uint32_t>(block_.distortions.significance[magnitudeFrom(bit) & 63]);
   }
 
   ModelledBlock& block_;
   const StripeMap map_;
   Decision* next_;
-  const ptrdiff_t pitch_;
+  const ptrdiff_t up_;
+  ptrdiff_t down_ = 0;
   const uint32_t magnitudeUp_;
   const uint32_t magnitudeDown_;
   uint32_t distortion_ = 0;
@@ -207,7 +259,19 @@ Decision* rawRefinement(ModelledBlock& block, Decision* decisions) {
 void encode(const Decision* decisions, const Decision* end, MqContexts& contexts, MqEncoder& encoder) {
   MqEncoder local = encoder;
   MqContexts states = contexts;
-  for (; decisions != end; ++decisions) local.encode(states[*decisions >> 1], *decisions & 1);
+  uint32_t index = *decisions >> 1;
+  MqContext context = states[index];
+  // A context is loaded while the decision before is coded: two in a row that share it must not wait for its way
+  // through memory. There is a decision to look at behind the last one.
+  while (decisions != end) {
+    const uint32_t decision = *decisions & 1;
+    const uint32_t nextIndex = *++decisions >> 1;
+    const MqContext next = states[nextIndex];
+    const MqContext after = local.encode(context, decision);
+    states[index] = after;
+    context.word = selectIfNegative((nextIndex ^ index) - 1, after.word, next.word);
+    index = nextIndex;
+  }
   contexts = states;
   encoder = local;
 }

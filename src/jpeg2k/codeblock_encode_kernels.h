@@ -74,6 +74,7 @@ struct CodeBlockEncodeKernels {
   Pass rawSignificance[2];
   Pass rawRefinement;
 
+  // Looks at the byte behind the last decision, which must be one too.
   void (*encode)(const Decision* decisions, const Decision* end, MqContexts& contexts, MqEncoder& encoder);
 };
 

@@ -122,6 +122,7 @@ class BlockModeller {
       addPass(plane, isRaw ? kernels_.rawRefinement : kernels_.refinement[causal_], isRaw, false);
       addPass(plane, kernels_.cleanup[causal_], false, true);
     }
+    *next_ = 0;
     return planes;
   }
 

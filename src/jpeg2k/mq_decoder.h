@@ -32,26 +32,28 @@ class MqDecoder {
   }
 
   // Decodes one decision. Without branches but for the reading of bytes: half of the decisions would be mispredicted.
-  uint32_t decode(MqContext& context) {
+  [[gnu::always_inline]] uint32_t decode(MqContext& context) {
     const MqContext before = context;
-    const MqTransition transition = kMqTransitions[before];
-    const Register qe = Register{transition.qe} << (kBits - 32);
-    Register interval = interval_ - qe;
-    const bool inLowerHalf = code_ >= interval;
-    const bool isLps = inLowerHalf != (interval < qe);  // the halves change roles where the other one is larger
-    const Register mask = Register{0} - Register{inLowerHalf};
-    code_ -= interval & mask;
-    interval ^= (interval ^ qe) & mask;
-    const int32_t shift = std::countl_zero(interval);
+    const Register qe = Register{before.qe()} << (kBits - 16);
+    const Register upper = interval_ - qe;
+    // The halves of the interval change roles where the other one is larger.
+    const Register afterMps = before.wordAfterMps(), afterLps = before.wordAfterLps();
+    const Register ifUpper = selectIfBelow(upper, qe, afterLps, afterMps);
+    const Register ifLower = selectIfBelow(upper, qe, afterMps, afterLps);
+    const Register renormalised = selectIfBelow(code_, upper, ifUpper, ifLower);
+    const Register interval = selectIfBelow(code_, upper, upper, qe);
+    const uint32_t isLps = uint32_t{code_ >= upper} ^ uint32_t { upper < qe };
+    code_ = selectIfBelow(code_, upper, code_, code_ - upper);
+    const int32_t shift = __builtin_clzll(interval) - (64 - kBits);
     interval_ = interval << shift;
-    context = static_cast<MqContext>(transition.next >> mqTransitionShift(isLps, shift == 0));
+    context.word = static_cast<uint32_t>(selectIfNegative(interval, Register{before.word}, renormalised));
     if (bitsLeft_ < shift) [[unlikely]] {
       shiftCodeAcrossBytes(shift);
     } else {
       code_ <<= shift;
       bitsLeft_ -= shift;
     }
-    return (before & 1u) ^ uint32_t { isLps };
+    return before.mps() ^ isLps;
   }
 
   // Whether the registers are as a predictable termination (T.800 D.4.2) leaves them at the end of a segment.

@@ -29,29 +29,53 @@ inline constexpr MqState kMqStates[kMqStateCount] = {
     {0x0001, 45, 43, 0}, {0x5601, 46, 46, 0},
 };
 
-// What a coder keeps of a context: twice the state's index plus the more probable symbol.
-using MqContext = uint8_t;
+// What a coder keeps of a context: all about its state in a word, so that a decision waits for one load. In the upper
+// half stands Qe, in the bytes below it the numbers of the contexts that follow the less and the more probable symbol.
+// Even numbers have the more probable symbol 0, and so has the one that follows it.
+struct MqContext {
+  constexpr MqContext() = default;
+  constexpr MqContext(uint32_t state, uint32_t mps)
+      : word(kMqStates[state].qe << 16 | (2 * kMqStates[state].nextLps + (mps ^ kMqStates[state].switchMps)) << 8 |
+             (2 * kMqStates[state].nextMps + mps)) {}
 
-// A state as the coders use it. After a decision the context becomes one of the bytes of `next`: byte 0 after the more
-// probable symbol, byte 1 after the less probable one, byte 2 (the context itself) where the interval needed no
-// renormalisation.
-struct MqTransition {
-  uint32_t qe;  // in the upper 16 bits
-  uint32_t next;
+  uint32_t word = 0;
+
+  uint32_t qe() const { return word >> 16; }
+  uint32_t mps() const { return word & 1; }
+  inline uint32_t wordAfterMps() const;
+  inline uint32_t wordAfterLps() const;
 };
 
-inline constexpr auto kMqTransitions = [] {
-  std::array<MqTransition, 2 * kMqStateCount> transitions{};
-  for (uint32_t context = 0; context < transitions.size(); ++context) {
-    const MqState& state = kMqStates[context / 2];
-    const uint32_t mps = context & 1;
-    transitions[context] = {
-        state.qe << 16, (2 * state.nextMps + mps) | (2 * state.nextLps + (mps ^ state.switchMps)) << 8 | context << 16};
-  }
-  return transitions;
+inline constexpr auto kMqContexts = [] {
+  std::array<MqContext, 2 * kMqStateCount> contexts{};
+  for (uint32_t i = 0; i < contexts.size(); ++i) contexts[i] = MqContext(i / 2, i % 2);
+  return contexts;
 }();
 
-// Where in `next` the new context stands, as a shift.
-constexpr uint32_t mqTransitionShift(bool isLps, bool keepsInterval) { return isLps * 8u + keepsInterval * 16u; }
+uint32_t MqContext::wordAfterMps() const { return kMqContexts[word & 0xFF].word; }
+uint32_t MqContext::wordAfterLps() const { return kMqContexts[word >> 8 & 0xFF].word; }
+
+// Selects without a branch, for conditions that no predictor could guess: there GCC 12 prefers branches to conditional
+// moves whatever it is told.
+
+// a < b ? ifBelow : otherwise
+template <class T>
+T selectIfBelow(T a, T b, T ifBelow, T otherwise) {
+  asm("cmp %[b], %[a]\n\tcmovb %[ifBelow], %[otherwise]"
+      : [otherwise] "+r"(otherwise)
+      : [a] "r"(a), [b] "r"(b), [ifBelow] "r"(ifBelow)
+      : "cc");
+  return otherwise;
+}
+
+// Whether the topmost bit of `a` is set decides.
+template <class T>
+T selectIfNegative(T a, T ifNegative, T otherwise) {
+  asm("test %[a], %[a]\n\tcmovs %[ifNegative], %[otherwise]"
+      : [otherwise] "+r"(otherwise)
+      : [a] "r"(a), [ifNegative] "r"(ifNegative)
+      : "cc");
+  return otherwise;
+}
 
 }  // namespace zorj
