@@ -66,7 +66,7 @@ BlockCoder::BlockCoder(Extent largest, uint32_t style, Results results) : style_
 template <class T>
 void BlockCoder::quantise(const BlockJob<T>& job) {
   const auto width = static_cast<size_t>(job.size.width);
-  const float scale = std::ldexp(job.inverseStep, kFraction<T>);
+  const float scale = std::ldexp(job.inverseStep, kFraction<T> - job.lowestPlane);
   for (int32_t y = 0; y < job.size.height; ++y)
     quantiseRow(job.samples + y * job.step, width, scale, samples_.get() + static_cast<size_t>(y) * width);
 }
@@ -74,18 +74,19 @@ void BlockCoder::quantise(const BlockJob<T>& job) {
 template <class T>
 CodedBlock BlockCoder::code(const BlockJob<T>& job) {
   quantise(job);
-  const bool lossless = kFraction<T> == 0 && job.lowestPlane == 0;
+  constexpr bool kLossless = !std::is_same_v<T, float>;
   const int32_t termination = (style_ & block_style::pterm) != 0 ? kPredictableTermination : kShortestTermination;
   int32_t planes = 0, passes = 0, segments = 0;
-  check(zoriEncodeLoadCodeBlock_JPEG2K_32s_C1R(
-      samples_.get(), job.size.width * int32_t{sizeof(int32_t)}, job.size, state_.get(), job.kind,
-      31 - kFraction<T> - job.lowestPlane, termination, 0,
-      libraryStyle(style_) | (lossless ? uint32_t{CbLosslessLastPlane} : 0u), &planes, &passes, &segments));
+  check(zoriEncodeLoadCodeBlock_JPEG2K_32s_C1R(samples_.get(), job.size.width * int32_t{sizeof(int32_t)}, job.size,
+                                               state_.get(), job.kind, 31 - kFraction<T>, termination, 0,
+                                               libraryStyle(style_) | (kLossless ? uint32_t{CbLosslessLastPlane} : 0u),
+                                               &planes, &passes, &segments));
   CodedBlock block;
-  block.planes = std::max(planes - kFraction<T>, 0);
+  block.planes = std::max(planes - kFraction<T> + job.lowestPlane, 0);
+  const double weight = std::ldexp(job.weight, 2 * job.lowestPlane);
   if (results_ == Results::hullsAndErrors) {
     const size_t count = static_cast<size_t>(job.size.width) * static_cast<size_t>(job.size.height);
-    block.error = std::ldexp(leftOver(count, kFraction<T> + job.lowestPlane), -2 * kFraction<T>) * job.weight;
+    block.error = std::ldexp(leftOver(count, kFraction<T>), -2 * kFraction<T>) * weight;
   }
   if (passes == 0) return block;
   store();
@@ -94,7 +95,7 @@ CodedBlock BlockCoder::code(const BlockJob<T>& job) {
     check(zoriEncodeGetRate_JPEG2K(state_.get(), pass, &rates_[static_cast<size_t>(pass)]));
   block.codeword = codewords_.copy(std::span<const uint8_t>(codeword_.data(), length_));
   block.rates = allRates_.copy(rates_);
-  if (results_ != Results::codewords) findHull(std::ldexp(job.weight, 2 * job.lowestPlane), block);
+  if (results_ != Results::codewords) findHull(weight, block);
   return block;
 }
 

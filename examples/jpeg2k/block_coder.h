@@ -31,13 +31,13 @@ struct BlockJob {
   int32_t kind = SubbandLL;
   float inverseStep = 1;    // of the quantiser; integers are coded as they are
   double weight = 0;        // the squared error in the picture that a squared quantiser step makes
-  int32_t lowestPlane = 0;  // of the quantised coefficients; those below are left out
+  int32_t lowestPlane = 0;  // of the quantised coefficients; those below are left out, which integers have none of
 };
 
 // Whether a pass, counted from 0, is the last of a segment of its block whatever follows.
 bool endsSegment(uint32_t style, int32_t pass);
 
-// Quantised coefficients of floats have this many bits behind the point, which improve the distortions.
+// Coefficients of floats have this many bits below the lowest plane, which improve the distortions.
 constexpr int32_t kFractionBits = 6;
 
 class BlockCoder {

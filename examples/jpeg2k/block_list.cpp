@@ -32,14 +32,15 @@ double guessBits(const BitCounts& counts, size_t lowestPlane) {
   return bits;
 }
 
-// What the best passes of a plane gain per byte, in squares of the plane's step. A sample that becomes significant
-// gains 2.2 for two to three bits.
-constexpr double kBestGain = 8, kUsualBestGain = 6;
+// The best passes of a plane gain about six squares of the plane's step per byte: a sample that becomes significant
+// gains 2.2 for two to three bits. Planes of which only a few passes would gain what the slope asks for are not missed:
+// these are the gains at which a plane is worth coding, and worth coding blocks again.
+constexpr double kWorthCoding = 4.5, kWorthCodingAgain = 3;
 
-// The lowest plane with passes that gain as much as `slope` per byte.
-int32_t lowestPlane(double slope, double weight, double bestGain) {
+// The lowest plane that gains as much as `slope` per byte, if planes gain `gain` in squares of their steps.
+int32_t lowestPlane(double slope, double weight, double gain) {
   if (slope <= 0) return 0;
-  return static_cast<int32_t>(std::clamp(std::ceil(std::log2(slope / (weight * bestGain)) / 2), 0.0, 30.0));
+  return static_cast<int32_t>(std::clamp(std::ceil(std::log2(slope / (weight * gain)) / 2), 0.0, 30.0));
 }
 
 // A slope guessed from some blocks can be too large by this.
@@ -114,10 +115,10 @@ void BlockList<T>::codeEverything() {
   code(all());
 }
 
-// About two hundred blocks from everywhere.
+// One or two hundred blocks from everywhere.
 template <class T>
 std::vector<size_t> BlockList<T>::sample() const {
-  constexpr size_t kSamples = 192;
+  constexpr size_t kSamples = 128;
   const size_t stride = std::max<size_t>(jobs_.size() / kSamples, 1);
   std::vector<size_t> numbers;
   uint32_t random = 1;
@@ -170,23 +171,34 @@ void BlockList<T>::codeForError(double squaredError) {
   });
 }
 
-// Codes all blocks down to the planes that the slope needs which some, already coded, find best.
+// Codes the other blocks down to the planes needed by the slope that some blocks, already coded, find best; and these
+// again where they have not come so far.
 template <class T>
 template <class FindSlope>
 void BlockList<T>::codeRest(const std::vector<size_t>& some, const FindSlope& findSlope) {
   if (some.size() == jobs_.size()) return;
   std::vector<Hull> hulls;
-  for (const size_t i : some) hulls.push_back(coded_[i].hull);
+  std::vector<bool> isCoded(jobs_.size());
+  for (const size_t i : some) {
+    hulls.push_back(coded_[i].hull);
+    isCoded[i] = true;
+  }
   const double slope = kGuessMargin * findSlope(hulls);
-  for (BlockJob<T>& job : jobs_) job.lowestPlane = lowestPlane(slope, job.weight, kBestGain);
-  code(all());
+  std::vector<size_t> rest;
+  for (size_t i = 0; i < jobs_.size(); ++i) {
+    const int32_t plane = lowestPlane(slope, jobs_[i].weight, kWorthCoding);
+    if (isCoded[i] && jobs_[i].lowestPlane <= plane) continue;
+    jobs_[i].lowestPlane = plane;
+    rest.push_back(i);
+  }
+  code(rest);
 }
 
 template <class T>
 bool BlockList<T>::codeFurther(double slope) {
   std::vector<size_t> numbers;
   for (size_t i = 0; i < jobs_.size(); ++i) {
-    const int32_t plane = lowestPlane(slope, jobs_[i].weight, kUsualBestGain);
+    const int32_t plane = lowestPlane(slope, jobs_[i].weight, kWorthCodingAgain);
     if (plane >= jobs_[i].lowestPlane || plane >= coded_[i].planes) continue;
     jobs_[i].lowestPlane = plane;
     numbers.push_back(i);
