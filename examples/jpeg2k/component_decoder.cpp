@@ -1,13 +1,13 @@
 #include "jpeg2k/component_decoder.h"
 
-#include "jpeg2k/parallel.h"
+#include <algorithm>
+#include <utility>
 
 namespace examples::jpeg2k {
 namespace {
 
 // A sample depends on others up to so many positions away; beyond, the edge of what is transformed does not matter.
 constexpr int32_t kReach = 4;
-constexpr int32_t kStripRows = 64;
 
 Rect widened(const Rect& rect) {
   if (rect.empty()) return rect;
@@ -39,7 +39,7 @@ ComponentDecoder<T>::ComponentDecoder(const TileComponent& component, int32_t re
     if (r > 0 && r + 1 < resolutions_.size()) place(part.samples, part.rect);
     needed = reduced(part.rect, 1);
   }
-  memory_ = zeroed<T>(used);
+  memory_ = ZeroedMemory<T>(used);
   for (const auto& [plane, offset] : places) plane->samples = memory_.get() + offset;
   resolutions_[0].samples = resolutions_[0].windows[0].plane;
 }
@@ -59,17 +59,10 @@ WaveletLevel<T> ComponentDecoder<T>::level(size_t r) const {
 }
 
 template <class T>
-void ComponentDecoder<T>::transform(int32_t threads) {
-  for (size_t r = 1; r + 1 < resolutions_.size(); ++r) {
-    const PartOfResolution& part = resolutions_[r];
-    if (part.rect.empty()) continue;
-    const WaveletLevel<T> from = level(r);
-    inParallel(ceilDivide(part.rect.height(), kStripRows), threads, [&](int64_t strip, int32_t) {
-      const int32_t begin = static_cast<int32_t>(strip) * kStripRows;
-      const int32_t end = std::min(begin + kStripRows, part.rect.height());
-      joinBands(from, begin, end, {part.samples.row(begin), part.samples.step});
-    });
-  }
+void ComponentDecoder<T>::transform(int32_t resolution, int32_t begin, int32_t end) {
+  const size_t r = static_cast<size_t>(resolution);
+  const Plane<T>& samples = resolutions_[r].samples;
+  joinBands(level(r), begin, end, {samples.row(begin), samples.step});
 }
 
 template <class T>

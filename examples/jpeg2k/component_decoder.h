@@ -1,31 +1,15 @@
 // A component of a tile, from the coefficients of its subbands to samples.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
-#include <new>
 #include <vector>
 
 #include "jpeg2k/geometry.h"
 #include "jpeg2k/inverse_wavelet.h"
+#include "jpeg2k/zeroed_memory.h"
 
 namespace examples::jpeg2k {
-
-// Memory that is zero, which costs nothing until it is used where it is much.
-struct Release {
-  void operator()(void* memory) const { std::free(memory); }
-};
-template <class T>
-using ZeroedArray = std::unique_ptr<T[], Release>;
-template <class T>
-ZeroedArray<T> zeroed(size_t count) {
-  ZeroedArray<T> memory(static_cast<T*>(std::calloc(std::max<size_t>(count, 1), sizeof(T))));
-  if (!memory) throw std::bad_alloc();
-  return memory;
-}
 
 // A part of a subband, on its canvas.
 template <class T>
@@ -48,8 +32,11 @@ class ComponentDecoder {
     return resolutions_[static_cast<size_t>(resolution)].windows[band];
   }
 
-  // When all coefficients are there: all levels but the last.
-  void transform(int32_t threads);
+  // When all coefficients are there: rows [begin, end) of each resolution from 1 to the last but one, when all of the
+  // resolution before are done.
+  void transform(int32_t resolution, int32_t begin, int32_t end);
+  int32_t resolutions() const { return static_cast<int32_t>(resolutions_.size()); }
+  Rect rect(int32_t resolution) const { return resolutions_[static_cast<size_t>(resolution)].rect; }
 
   // Then rows [begin, end) of the wanted part, counted from its first. A row is rowLength() samples, of which the
   // wanted ones start at firstColumn().
@@ -68,7 +55,7 @@ class ComponentDecoder {
 
   Rect wanted_;
   std::vector<PartOfResolution> resolutions_;
-  ZeroedArray<T> memory_;
+  ZeroedMemory<T> memory_;
 };
 
 }  // namespace examples::jpeg2k

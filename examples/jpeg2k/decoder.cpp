@@ -107,12 +107,18 @@ class Decoder {
       const auto data = codestream_.tiles().find(number);
       if (data == codestream_.tiles().end()) {
         ++incompleteTiles_;
+        storeGreyTile(size(), number, selection, sink);
         continue;
       }
-      const TileReport report = decodeTile(codestream_, number, data->second, selection, options_.threads, sink);
-      if (!report.problem.empty()) ++incompleteTiles_;
-      if (problem_.empty()) problem_ = report.problem;
-      damagedBlocks_ += report.damagedBlocks;
+      try {
+        const TileReport report = decodeTile(codestream_, number, data->second, selection, options_.threads, sink);
+        if (!report.problem.empty()) ++incompleteTiles_;
+        damagedBlocks_ += report.damagedBlocks;
+      } catch (const Error&) {
+        if (++failedTiles_ == tileCount(size())) throw;
+        ++incompleteTiles_;
+        storeGreyTile(size(), number, selection, sink);
+      }
       codestream_.tiles().erase(data);
     }
   }
@@ -135,20 +141,19 @@ class Decoder {
   Layout layout_;
   int64_t tiles_ = 0;
   int64_t incompleteTiles_ = 0;
+  int64_t failedTiles_ = 0;
   int64_t damagedBlocks_ = 0;
-  std::string problem_;
 };
 
-// Planes for all components, grey for what is not decoded.
-std::vector<ComponentSamples> greyPlanes(const ImageSize& size, const Layout& layout) {
+// Planes for all components.
+std::vector<ComponentSamples> makePlanes(const ImageSize& size, const Layout& layout) {
   std::vector<ComponentSamples> planes;
   for (size_t c = 0; c < size.components.size(); ++c) {
     const ComponentSize& component = size.components[c];
     const Rect& rect = layout.components[c];
     ComponentSamples& plane = planes.emplace_back();
     plane = {rect.width(), rect.height(), component.precision, component.isSigned, {}};
-    plane.samples.resize(static_cast<size_t>(rect.width()) * static_cast<size_t>(rect.height()),
-                         static_cast<uint16_t>(1 << (component.precision - 1)));
+    plane.samples.resize(static_cast<size_t>(rect.width()) * static_cast<size_t>(rect.height()));
   }
   return planes;
 }
@@ -159,14 +164,13 @@ void decodePlainly(Decoder& decoder, BasicImage<Sample>& image) {
   const int32_t precision = decoder.size().components[0].precision;
   image.reshape(pixels.width(), pixels.height(), static_cast<int32_t>(decoder.size().components.size()));
   image.precision = precision;
-  std::fill(image.samples.begin(), image.samples.end(), static_cast<Sample>(1 << (precision - 1)));
   ImageSink<Sample> sink(image, pixels);
   decoder.decode(sink);
 }
 
 void decodeDeep(Decoder& decoder, DeepImage& image) {
   if (decoder.plain()) return decodePlainly(decoder, image);
-  std::vector<ComponentSamples> planes = greyPlanes(decoder.size(), decoder.layout());
+  std::vector<ComponentSamples> planes = makePlanes(decoder.size(), decoder.layout());
   PlaneSink sink(planes, decoder.layout().components);
   decoder.decode(sink);
   assemble(decoder.file(), decoder.size(), decoder.layout(), planes, image);
@@ -213,7 +217,7 @@ DecodeReport decode(std::span<const uint8_t> file, const DecodeOptions& options,
 DecodeReport decodeComponents(std::span<const uint8_t> file, const DecodeOptions& options,
                               std::vector<ComponentSamples>& components) {
   Decoder decoder(file, options);
-  components = greyPlanes(decoder.size(), decoder.layout());
+  components = makePlanes(decoder.size(), decoder.layout());
   PlaneSink sink(components, decoder.layout().components);
   decoder.decode(sink);
   return decoder.report();

@@ -22,6 +22,7 @@ using AnyComponentDecoder = std::variant<ComponentDecoder<int16_t>, ComponentDec
 // Reversible coding of so many bits cannot leave 16 bits, whatever the image.
 constexpr int32_t kMaxShortPrecision = 10;
 constexpr int32_t kStripRows = 64;
+constexpr int64_t kSamplesWorthThreads = 1 << 16;
 
 struct Job {
   const PacketBlock* block;
@@ -77,9 +78,7 @@ class TileDecoder {
     packets_.read(wholeData(data, joined), data.packed, data.packetHeaders, {selection_.layers, selection_.reduce});
     report.problem = packets_.problem();
     report.damagedBlocks = decodeBlocks();
-    for (AnyComponentDecoder& component : components_) {
-      std::visit([&](auto& decoder) { decoder.transform(threads_); }, component);
-    }
+    transform();
     store(sink);
     return report;
   }
@@ -92,9 +91,7 @@ class TileDecoder {
     const CodingStyle& style = coding_.components[c].style;
     const int32_t resolutions = style.levels + 1 - selection_.reduce;
     if (resolutions < 1) throw Error("there are not as many resolutions");
-    const Rect wanted =
-        intersection(component.resolutions[static_cast<size_t>(resolutions - 1)].rect, selection_.components[c]);
-    wanted_.push_back(wanted.empty() ? Rect{} : wanted);
+    wanted_.push_back(selection_.inTile(size_, tile_.number, c));
     if (!style.reversible) {
       components_.emplace_back(std::in_place_type<ComponentDecoder<float>>, component, resolutions, wanted_.back());
     } else if (size_.components[c].precision <= kMaxShortPrecision) {
@@ -177,6 +174,34 @@ class TileDecoder {
     return damaged;
   }
 
+  // All levels of the wavelet but the last, which store() goes through.
+  void transform() {
+    struct Strip {
+      size_t component;
+      int32_t begin;
+      int32_t end;
+    };
+    for (int32_t r = 1; r < kMaxLevels; ++r) {
+      std::vector<Strip> strips;
+      int64_t samples = 0;
+      for (size_t c = 0; c < componentCount(); ++c) {
+        const Rect rect =
+            std::visit([&](const auto& decoder) { return r + 1 < decoder.resolutions() ? decoder.rect(r) : Rect{}; },
+                       components_[c]);
+        if (rect.empty()) continue;
+        samples += int64_t{rect.width()} * rect.height();
+        for (int32_t y = 0; y < rect.height(); y += kStripRows) {
+          strips.push_back({c, y, std::min(y + kStripRows, rect.height())});
+        }
+      }
+      const int32_t threads = samples < kSamplesWorthThreads ? 1 : threads_;
+      inParallel(static_cast<int64_t>(strips.size()), threads, [&](int64_t number, int32_t) {
+        const Strip& strip = strips[static_cast<size_t>(number)];
+        std::visit([&](auto& decoder) { decoder.transform(r, strip.begin, strip.end); }, components_[strip.component]);
+      });
+    }
+  }
+
   // Components that are alike are finished together, all three of a colour transform among them.
   void store(SampleSink& sink) const {
     for (size_t first = 0, end; first < componentCount(); first = end) {
@@ -235,12 +260,29 @@ class TileDecoder {
 
 }  // namespace
 
+Rect Selection::inTile(const ImageSize& size, int32_t tile, size_t component) const {
+  const Rect whole = reduced(componentRect(size.components[component], tileRect(size, tile)), reduce);
+  const Rect wanted = intersection(whole, components[component]);
+  return wanted.empty() ? Rect{} : wanted;
+}
+
 bool Selection::holds(const ImageSize& size, int32_t tile) const {
-  const Rect rect = tileRect(size, tile);
   for (size_t c = 0; c < components.size(); ++c) {
-    if (!intersection(reduced(componentRect(size.components[c], rect), reduce), components[c]).empty()) return true;
+    if (!inTile(size, tile, c).empty()) return true;
   }
   return false;
+}
+
+void storeGreyTile(const ImageSize& size, int32_t number, const Selection& selection, SampleSink& sink) {
+  for (size_t c = 0; c < size.components.size(); ++c) {
+    const Rect rect = selection.inTile(size, number, c);
+    const std::vector<uint16_t> grey(static_cast<size_t>(rect.width()),
+                                     static_cast<uint16_t>(1 << (size.components[c].precision - 1)));
+    const uint16_t* const row = grey.data();
+    for (int32_t y = rect.y0; y < rect.y1; ++y) {
+      sink.take(static_cast<int32_t>(c), {&row, 1}, rect.x0, y, rect.width());
+    }
+  }
 }
 
 TileReport decodeTile(const CodestreamReader& codestream, int32_t number, const TileData& data,

@@ -26,6 +26,8 @@ struct Selection {
   int32_t layers = 0;
   std::vector<Rect> components;  // the wanted part of each, on its canvas reduced
 
+  // The wanted part of a component of a tile.
+  Rect inTile(const ImageSize& size, int32_t tile, size_t component) const;
   // Whether any of a tile is wanted.
   bool holds(const ImageSize& size, int32_t tile) const;
 };
@@ -34,6 +36,9 @@ struct TileReport {
   std::string problem;  // why packets are missing; empty if none are
   int64_t damagedBlocks = 0;
 };
+
+// Gives the sink the wanted part of a tile of which nothing is there, in the middle of the samples' range.
+void storeGreyTile(const ImageSize& size, int32_t number, const Selection& selection, SampleSink& sink);
 
 TileReport decodeTile(const CodestreamReader& codestream, int32_t number, const TileData& data,
                       const Selection& selection, int32_t threads, SampleSink& sink);
