@@ -1,6 +1,6 @@
-// The whole encoder and decoder of zorj2k, in memory, against OpenJPEG: the same photograph, block size, levels and
-// layers; both from and to interleaved RGB. The rows of two threads go by the clock. Names of lossy rows give what both
-// reach at the same size.
+// The whole encoder and decoder of zorj2k, in memory, against OpenJPEG and, on one thread, Grok: the same photograph,
+// block size, levels and layers; both from and to interleaved RGB. The rows of two threads go by the clock. Names of
+// lossy rows give what both reach at the same size.
 #include <zorcore.h>
 
 #include <cmath>
@@ -11,6 +11,9 @@
 #include "interop/openjpeg.h"
 #include "jpeg2k/codec.h"
 #include "support/compare.h"
+#ifdef ZORJ_BENCH_GROK
+#include "support/grok.h"
+#endif
 
 namespace zorj::bench {
 namespace {
@@ -73,7 +76,13 @@ void compareEncoders(Setting setting, const SharedImage& image) {
   const auto theirs = [=](int threads) {
     return [=] { benchmark::DoNotOptimize(openjpeg::encode(*image, parameters, false, threads)); };
   };
-  compare(row + qualities(*image, setting.options), pixels, "pixels", {{"zorj", ours(1)}, {"OpenJPEG", theirs(1)}});
+  std::vector<Variant> alone = {{"zorj", ours(1)}, {"OpenJPEG", theirs(1)}};
+#ifdef ZORJ_BENCH_GROK
+  alone.push_back({"Grok", [=, options = setting.options] {
+                     benchmark::DoNotOptimize(grok::encode(*image, options.levels, options.ratio));
+                   }});
+#endif
+  compare(row + qualities(*image, setting.options), pixels, "pixels", alone);
   compare(row + ", 2 threads", pixels, "pixels",
           {{"zorj", ours(2)}, {"zorj on 1 thread", ours(1)}, {"OpenJPEG", theirs(2)}}, true);
 }
@@ -97,7 +106,11 @@ void compareDecoders(const Setting& setting, const SharedImage& image) {
       openjpeg::decode(*file, settings, *decoded);
     };
   };
-  compare(row, pixels, "pixels", {{"zorj", ours(1)}, {"OpenJPEG", theirs(1)}});
+  std::vector<Variant> alone = {{"zorj", ours(1)}, {"OpenJPEG", theirs(1)}};
+#ifdef ZORJ_BENCH_GROK
+  alone.push_back({"Grok", [=] { grok::decode(*file, *decoded); }});
+#endif
+  compare(row, pixels, "pixels", alone);
   compare(row + ", 2 threads", pixels, "pixels",
           {{"zorj", ours(2)}, {"zorj on 1 thread", ours(1)}, {"OpenJPEG", theirs(2)}}, true);
 }
@@ -106,6 +119,9 @@ void compareDecoders(const Setting& setting, const SharedImage& image) {
 
 void registerComparisons() {
   zorSetNumThreads(1);
+#ifdef ZORJ_BENCH_GROK
+  grok::useThreads(1);
+#endif
   const auto image = std::make_shared<const Image>(examples::readImage(ZORJ_PHOTOGRAPH));
   Setting lossless = {"lossless", {}}, lossy = {"10:1", {}};
   lossy.options.ratio = 10;
