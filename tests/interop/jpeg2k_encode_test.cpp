@@ -99,7 +99,7 @@ DeepImage extremePicture(int32_t precision, int32_t round) {
   Random random(5);
   DeepImage image(96, 80, 3);
   image.precision = precision;
-  const auto period = static_cast<size_t>(round + 1);
+  const auto period = static_cast<size_t>(round) + 1;
   for (size_t i = 0; i < image.samples.size(); ++i) {
     const bool high = round == 0 ? random.between(0, 1) != 0 : (i / 3 / period + i / 288 / period + i % 3) % 2 != 0;
     image.samples[i] = high ? static_cast<uint16_t>(image.largest()) : uint16_t{0};
