@@ -1,7 +1,9 @@
 // The inverse wavelets, strip by strip: 5/3 on integers, 9/7 on floats (T.800 Annex F).
 #pragma once
 
-#include "jpeg2k/forward_wavelet.h"
+#include <cstdint>
+
+#include "jpeg2k/wavelet_level.h"
 
 namespace examples::jpeg2k {
 
