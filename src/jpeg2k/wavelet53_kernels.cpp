@@ -170,6 +170,24 @@ void forwardStep(const T* x0, const T* x1, const T* x2, T* low, const T* previou
   });
 }
 
+// Two steps at once.
+template <class Steps, class T = typename Steps::Sample>
+void forwardSteps(const T* x0, const T* x1, const T* x2, const T* x3, const T* x4, T* low, T* nextLow,
+                  const T* previousHigh, T* high, T* nextHigh, size_t width) {
+  forEachLane<T>(width, [=](auto d, size_t i) HWY_ATTR {
+    const auto even = Steps::in(d, load(d, x0 + i)), next = Steps::in(d, load(d, x2 + i)),
+               afterNext = Steps::in(d, load(d, x4 + i));
+    const auto previous = Steps::in(d, load(d, previousHigh + i));
+    const auto detail = Steps::predict(d, even, next, load(d, x1 + i));
+    const auto nextDetail = Steps::predict(d, next, afterNext, load(d, x3 + i));
+    const auto current = Steps::in(d, detail);
+    store(d, detail, high + i);
+    store(d, Steps::update(d, even, previous, current), low + i);
+    store(d, nextDetail, nextHigh + i);
+    store(d, Steps::update(d, next, current, Steps::in(d, nextDetail)), nextLow + i);
+  });
+}
+
 template <class Steps, class T = typename Steps::Sample>
 void inverseStep(const T* low, const T* previousHigh, const T* high, const T* previousEven, T* odd, T* even,
                  size_t width) {
@@ -178,6 +196,21 @@ void inverseStep(const T* low, const T* previousHigh, const T* high, const T* pr
     const auto x = Steps::undoUpdate(d, load(d, low + i), detail, Steps::in(d, load(d, high + i)));
     store(d, Steps::out(d, x), even + i);
     store(d, Steps::undoPredict(d, detail, before, x), odd + i);
+  });
+}
+
+template <class Steps, class T = typename Steps::Sample>
+void inverseSteps(const T* low, const T* nextLow, const T* previousHigh, const T* high, const T* nextHigh,
+                  const T* previousEven, T* odd, T* even, T* nextOdd, T* nextEven, size_t width) {
+  forEachLane<T>(width, [=](auto d, size_t i) HWY_ATTR {
+    const auto detail = Steps::in(d, load(d, previousHigh + i)), nextDetail = Steps::in(d, load(d, high + i));
+    const auto before = Steps::in(d, load(d, previousEven + i));
+    const auto x = Steps::undoUpdate(d, load(d, low + i), detail, nextDetail);
+    const auto next = Steps::undoUpdate(d, load(d, nextLow + i), nextDetail, Steps::in(d, load(d, nextHigh + i)));
+    store(d, Steps::out(d, x), even + i);
+    store(d, Steps::undoPredict(d, detail, before, x), odd + i);
+    store(d, Steps::out(d, next), nextEven + i);
+    store(d, Steps::undoPredict(d, nextDetail, x, next), nextOdd + i);
   });
 }
 
@@ -215,6 +248,12 @@ struct Wavelet53 {
     const auto high = [&](ptrdiff_t k) { return isStored(k) ? columns.high.row(k) + at : unstored; };
 
     for (ptrdiff_t k = -1; k < line.lows(); ++k) {
+      if (k >= 0 && exists(k - 1) && exists(k) && isStored(k) && exists(k + 1) && k + 1 < line.lows()) {
+        forwardSteps<Steps>(x(2 * k), x(2 * k + 1), x(2 * k + 2), x(2 * k + 3), x(2 * k + 4), low(k), low(k + 1),
+                            high(k - 1), high(k), high(k + 1), width);
+        ++k;
+        continue;
+      }
       if (k >= 0 && exists(k) && exists(k - 1)) {
         forwardStep<Steps>(x(2 * k), x(2 * k + 1), x(2 * k + 2), low(k), high(k - 1), high(k), width);
         continue;
@@ -239,6 +278,12 @@ struct Wavelet53 {
     for (ptrdiff_t k = line.firstHigh(); k <= line.endHigh(); ++k) {
       // The odd samples of number k - 1 are between the even ones before and these.
       const bool odds = isOdd(k - 1);
+      if (odds && isOdd(k) && hasEven(k - 1) && hasEven(k) && hasEven(k + 1) && hasHigh(k + 1)) {
+        inverseSteps<Steps>(low(k), low(k + 1), high(k - 1), high(k), high(k + 1), even(k - 1), odd(k - 1), even(k),
+                            odd(k), even(k + 1), width);
+        ++k;
+        continue;
+      }
       if (odds && hasEven(k - 1) && hasEven(k) && hasHigh(k)) {
         inverseStep<Steps>(low(k), high(k - 1), high(k), even(k - 1), odd(k - 1), even(k), width);
         continue;
