@@ -169,7 +169,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriTextureEncodeBlockFromYCoCg_DXT5_8u_C3C1R(cons
  */
 
 /**
- * Decodes BC7 (BPTC, unsigned normalised): all eight modes, bit for bit as the Khronos Data Format Specification and
+ * Decodes BC7 (BPTC, unsigned normalised): all eight modes, bit for bit as Khronos (Data Format, chapter BPTC) and
  * Direct3D 11 define them. A block without a mode, whose first byte is 0, gives pixels of zero bytes, alpha too.
  *
  * @param pSrc     the blocks, 16 bytes each

@@ -1,4 +1,4 @@
-// The tables of the BC7 format (Khronos Data Format Specification, chapter "BPTC Compressed Texture Image Formats").
+// The tables of the BC7 format (Khronos Data Format, chapter "BPTC Compressed Texture Image Formats").
 #pragma once
 
 #include <cstdint>

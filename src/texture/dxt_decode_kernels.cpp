@@ -23,12 +23,7 @@ namespace {
 
 inline constexpr uint8_t kNone = 0x80;  // gives a zero byte in TableLookupBytesOr0
 
-// The blocks from `src` on, one a lane.
-template <class D>
-HWY_INLINE hn::Vec<D> loadBlocksOf16(D d, const uint8_t* src) {
-  return hn::LoadU(d, src);
-}
-// The same of 8-byte blocks, each in both halves of its lane.
+// The 8-byte blocks from `src` on, each in both halves of its lane.
 template <class D>
 HWY_INLINE hn::Vec<D> loadBlocksOf8(D d, const uint8_t* src) {
   if constexpr (hn::MaxLanes(D()) == 16) {
@@ -141,17 +136,21 @@ struct Dxt1 {
   }
 };
 
-struct Dxt3 {
+// DXT3 and DXT5: alphas, then a colour block whose order of c0 and c1 means nothing.
+struct AlphaAndColour {
   static constexpr size_t blockBytes = 16;
 
   template <class D>
   static HWY_INLINE hn::Vec<D> load(D d, const uint8_t* src) {
-    return loadBlocksOf16(d, src);
+    return hn::LoadU(d, src);
   }
   template <class V>
   static HWY_INLINE V palette(V blocks) {
     return thirdsPalette(blocks);
   }
+};
+
+struct Dxt3 : AlphaAndColour {
   template <class V>
   static HWY_INLINE V alphas(V blocks) {
     return blocks;
@@ -169,18 +168,7 @@ struct Dxt3 {
   }
 };
 
-struct Dxt5 {
-  static constexpr size_t blockBytes = 16;
-
-  template <class D>
-  static HWY_INLINE hn::Vec<D> load(D d, const uint8_t* src) {
-    return loadBlocksOf16(d, src);
-  }
-  template <class V>
-  static HWY_INLINE V palette(V blocks) {
-    return thirdsPalette(blocks);
-  }
-
+struct Dxt5 : AlphaAndColour {
   // The alphas of the sixteen pixels.
   template <class V>
   static HWY_INLINE V alphas(V blocks) {

@@ -35,8 +35,10 @@ HWY_INLINE hn::Vec<D> everyLane(D d, const T* values) {
 }
 
 // Lane by lane: the words of `low`, then those of `high`, as bytes; words are below 256.
-HWY_INLINE hn::Vec128<uint8_t> packWords(hn::Vec128<uint16_t> low, hn::Vec128<uint16_t> high) {
-  return hn::Vec128<uint8_t>{_mm_packus_epi16(low.raw, high.raw)};
+template <class W>
+HWY_INLINE auto packWords(W low, W high) {
+  const hn::RebindToSigned<hn::DFromV<W>> d;
+  return packUnsigned(hn::BitCast(d, low), hn::BitCast(d, high));
 }
 // Word i = byte 2i of a times byte 2i of b + byte 2i + 1 of a times byte 2i + 1 of b; b is signed.
 HWY_INLINE hn::Vec128<uint16_t> addByteProducts(hn::Vec128<uint8_t> a, hn::Vec128<uint8_t> b) {
@@ -47,9 +49,6 @@ HWY_INLINE hn::Vec128<uint32_t> addWordProducts(hn::Vec128<uint16_t> a, hn::Vec1
   return hn::Vec128<uint32_t>{_mm_madd_epi16(a.raw, b.raw)};
 }
 #if HWY_TARGET <= HWY_AVX2
-HWY_INLINE hn::Vec256<uint8_t> packWords(hn::Vec256<uint16_t> low, hn::Vec256<uint16_t> high) {
-  return hn::Vec256<uint8_t>{_mm256_packus_epi16(low.raw, high.raw)};
-}
 HWY_INLINE hn::Vec256<uint16_t> addByteProducts(hn::Vec256<uint8_t> a, hn::Vec256<uint8_t> b) {
   return hn::Vec256<uint16_t>{_mm256_maddubs_epi16(a.raw, b.raw)};
 }
@@ -58,9 +57,6 @@ HWY_INLINE hn::Vec256<uint32_t> addWordProducts(hn::Vec256<uint16_t> a, hn::Vec2
 }
 #endif
 #if HWY_TARGET <= HWY_AVX3
-HWY_INLINE hn::Vec512<uint8_t> packWords(hn::Vec512<uint16_t> low, hn::Vec512<uint16_t> high) {
-  return hn::Vec512<uint8_t>{_mm512_packus_epi16(low.raw, high.raw)};
-}
 HWY_INLINE hn::Vec512<uint16_t> addByteProducts(hn::Vec512<uint8_t> a, hn::Vec512<uint8_t> b) {
   return hn::Vec512<uint16_t>{_mm512_maddubs_epi16(a.raw, b.raw)};
 }
