@@ -7,7 +7,6 @@ The libraries themselves are asked what they need, and a need without an entry h
 """
 
 import datetime
-import hashlib
 import json
 import os
 import pathlib
@@ -73,9 +72,7 @@ def main():
     for library in libraries:
         own = "zorcore" if "zorcore" in library.name else "zorj"
         packages[own] = package(own, "NOASSERTION", version)
-        digest = hashlib.sha256(library.read_bytes()).hexdigest()
         packages[own]["packageFileName"] = library.name
-        packages[own]["checksums"] = [{"algorithm": "SHA256", "checksumValue": digest}]
         parts = STATIC_WINDOWS if library.suffix == ".dll" else []
         for name, licence in parts:
             packages[name] = package(name, licence)
@@ -97,7 +94,7 @@ def main():
         "dataLicense": "CC0-1.0",
         "SPDXID": "SPDXRef-DOCUMENT",
         "name": f"zorj-{version}",
-        "documentNamespace": f"https://zorj.invalid/spdx/{packages['zorj']['checksums'][0]['checksumValue']}",
+        "documentNamespace": f"https://zorj.invalid/spdx/{version}/{libraries[0].name}",
         "creationInfo": {"created": created.strftime("%Y-%m-%dT%H:%M:%SZ"), "creators": ["Tool: tools/spdx.py"]},
         "packages": [packages[name] for name in sorted(packages)],
         "hasExtractedLicensingInfos": [
