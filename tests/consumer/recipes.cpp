@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <random>
 #include <vector>
 
@@ -30,6 +31,13 @@ StatusCode decodeLossless(const uint8_t*, int32_t, const HuffmanDecodeSpec*, Huf
                           int16_t*, RoiSize);
 StatusCode packStrip(const uint8_t*, int32_t, int32_t, uint8_t*, int32_t, int32_t*);
 StatusCode unpackStrip(const uint8_t*, int32_t, uint8_t*, int32_t, int32_t);
+struct CodedBlock {
+  int32_t planes, passes, length;
+};
+StatusCode encodeBlock(const int32_t*, int32_t, RoiSize, int32_t, uint8_t*, int32_t, CodedBlock*);
+StatusCode decodeBlock(const uint8_t*, const CodedBlock*, int32_t*, int32_t, RoiSize, int32_t);
+StatusCode transformTile(int32_t*, int32_t, TileRect, int, int);
+StatusCode transformMacroblock(int32_t (*)[16]);
 uint8_t* encodeDxt5(const uint8_t*, int32_t, RoiSize);
 StatusCode decodeTexture(const uint8_t*, int, uint8_t*, int32_t, RoiSize);
 }
@@ -180,6 +188,43 @@ void tryPackBits() {
   require(pixels == unpacked, "strip");
 }
 
+// A tile through the wavelet, its coefficients through the block coder, and all the way back.
+void tryJpeg2000() {
+  const RoiSize size = {53, 47};
+  const TileRect tile = {5, 2, size.width, size.height};
+  const int32_t step = 4 * size.width;
+  const auto image = picture<int32_t>(1, size, 4000);
+  std::vector<int32_t> samples = image, coded(image.size());
+  requireOk(transformTile(samples.data(), step, tile, 4, 0), "wavelet levels");
+  require(samples != image, "subbands");
+
+  std::vector<int32_t> block = samples;
+  for (int32_t& sample : block)
+    if (sample < 0) sample = int32_t(uint32_t(-sample) | 0x80000000u);
+  std::vector<uint8_t> bytes(image.size() * 8);
+  CodedBlock result;
+  requireOk(encodeBlock(block.data(), step, size, SubbandLL, bytes.data(), int32_t(bytes.size()), &result),
+            "encodeBlock");
+  requireOk(decodeBlock(bytes.data(), &result, coded.data(), step, size, SubbandLL), "decodeBlock");
+  require(coded == block, "code-block");
+
+  requireOk(transformTile(samples.data(), step, tile, 4, 1), "inverse levels");
+  require(samples == image, "tile");
+  std::printf("JPEG 2000: %d planes of %zu samples in %d bytes\n", int(result.planes), image.size(),
+              int(result.length));
+}
+
+void tryMacroblock() {
+  int32_t flat[16][16];
+  for (auto& row : flat) std::fill(std::begin(row), std::end(row), 3);
+  requireOk(transformMacroblock(flat), "transformMacroblock");
+  require(flat[0][0] == 3 * 16, "DC value of both stages");
+  int others = 0;
+  for (const auto& row : flat)
+    for (const int32_t coefficient : row) others += coefficient != 0;
+  require(others == 1, "a flat macroblock has a DC value alone");
+}
+
 void tryTexture() {
   const RoiSize size = {30, 21};
   const auto image = picture<uint8_t>(4, size, 240);
@@ -204,6 +249,8 @@ int main() {
   tryDeep();
   tryProgressive(huffman);
   tryLossless(huffman);
+  tryJpeg2000();
+  tryMacroblock();
   tryPackBits();
   tryTexture();
   std::puts("all recipes work");
