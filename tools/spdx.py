@@ -21,6 +21,7 @@ SHARED = {
     "libc.so.6": ("glibc", "LGPL-2.1-or-later"),
     "libgcc_s.so.1": ("libgcc", GCC),
     "libgomp.so.1": ("libgomp", GCC),
+    "libm.so.6": ("glibc", "LGPL-2.1-or-later"),
     "libstdc++.so.6": ("libstdc++", GCC),
     "KERNEL32.dll": ("Windows", "NOASSERTION"),
     "msvcrt.dll": ("Windows", "NOASSERTION"),
