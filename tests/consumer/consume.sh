@@ -1,6 +1,6 @@
 #!/bin/sh
-# Uses the installed library as other projects would: through CMake and through pkg-config, from C89, C99 (the program of
-# the README), C++ and Python, with the recipes of the documentation.
+# Uses the installed library as other projects would: through CMake and through pkg-config, from C89, C99 (the programs of
+# the README and of the first page), C++ and Python, with the recipes of the documentation.
 # usage: consume.sh SOURCE_DIR TREE WORK_DIR [TOOLCHAIN]
 # TREE is the prefix of an unpacked package, or a build, which is installed into an empty tree that is then moved. With a
 # CMake toolchain file the programs are built for another platform, and run by `wine`.
@@ -18,7 +18,9 @@ if [ -e "$tree/CMakeCache.txt" ]; then
 fi
 
 cp "$source"/tests/consumer/CMakeLists.txt "$source"/tests/consumer/*.c "$source"/tests/consumer/*.cpp "$work/source"
-awk '/^```c$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$source/README.md" >"$work/source/row.c"
+c_blocks() { awk '/^```c$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$1"; }
+c_blocks "$source/README.md" >"$work/source/row.c"
+c_blocks "$source/docs/getting-started.md" >"$work/first.c"
 python3 "$source/tools/recipes.py" "$source/docs/recipes.md" "$work/source"
 
 echo "CMake package"
@@ -39,8 +41,10 @@ echo "pkg-config"
 libdir=$(dirname "$(find "$tree" -name libzorj.so)")
 export PKG_CONFIG_PATH="$libdir/pkgconfig" LD_LIBRARY_PATH="$libdir"
 cc -std=c99 -Wall -Wextra -Werror "$work/source/row.c" -o "$work/row_c" $(pkg-config --cflags --libs zorj)
+cc -std=c99 -Wall -Wextra -Werror "$work/first.c" -o "$work/first" $(pkg-config --cflags --libs zorj)
 c++ -std=c++17 "$work/source/row.cpp" -o "$work/row_cpp" $(pkg-config --cflags --libs zorj zorcore)
 "$work/row_c"
+"$work/first"
 "$work/row_cpp"
 
 echo "Python"
