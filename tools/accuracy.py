@@ -191,8 +191,8 @@ rounding to integers alone can cost. Rows that go there and back compare with th
 """
 TAIL = """
 The inverse DCT also meets the limits of IEEE 1180-1990, which the tests check. Ranges beyond those of JPEG's samples, where
-fixed-point sums saturate, are told in the headers: `jpeg_dct.h` for the DCT, `jpeg2k_transform.h` for the wavelets. DXT
-decoding and BC7 are exact by their [definitions](texture.md); Huffman, code-block and PackBits coding lose nothing.
+fixed-point sums saturate, are told in the headers: `jpeg_dct.h` for the DCT, `jpeg2k_transform.h` for the wavelets. BC7
+decoding is exact, DXT decoding as [its page](texture.md) says; Huffman, code-block and PackBits coding lose nothing.
 """
 
 
