@@ -16,7 +16,6 @@ void store(uint8_t* row, size_t i, int value) {
   const auto sample = static_cast<int16_t>(static_cast<uint16_t>(value));
   std::memcpy(row + 2 * i, &sample, sizeof sample);
 }
-const int16_t* samples(const uint8_t* row) { return reinterpret_cast<const int16_t*>(row); }
 int16_t* samples(uint8_t* row) { return reinterpret_cast<int16_t*>(row); }
 
 void firstRow(Input& input) {

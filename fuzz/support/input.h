@@ -41,7 +41,7 @@ class Exact {
 
 class Input {
  public:
-  Input(const uint8_t* bytes, size_t size) : bytes_(bytes, size) {}
+  explicit Input(std::span<const uint8_t> bytes) : bytes_(bytes) {}
 
   bool empty() const { return bytes_.empty(); }
   std::span<const uint8_t> rest() const { return bytes_; }

@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  zorj::fuzz::Input input(data, size);
+  zorj::fuzz::Input input({data, size});
   zorj::fuzz::fuzz(input);
   return 0;
 }
