@@ -360,8 +360,9 @@ HWY_INLINE void store(V blocks, uint8_t* dst) {
   } else if constexpr (hn::MaxLanes(D()) == 16) {
     hn::StoreU(hn::UpperHalf(half, blocks), half, dst);
   } else {
-    alignas(64) static constexpr uint32_t kUpperHalves[16] = {2, 3, 6, 7, 10, 11, 14, 15};
-    const auto indices = hn::SetTableIndices(DwordsOf<V>(), kUpperHalves);
+    // Of 8 and of 16 lanes; the upper half of the result is not used.
+    alignas(64) static constexpr uint32_t kUpperHalves[2][16] = {{2, 3, 6, 7}, {2, 3, 6, 7, 10, 11, 14, 15}};
+    const auto indices = hn::SetTableIndices(DwordsOf<V>(), kUpperHalves[hn::MaxLanes(D()) / 64]);
     hn::StoreU(hn::LowerHalf(half, asBytes(hn::TableLookupLanes(asDwords(blocks), indices))), half, dst);
   }
 }
