@@ -21,6 +21,7 @@ inline HuffmanLists listsOfInput(Input& input) {
     symbols -= count;
   }
   for (; symbols < 256; ++symbols) lists.values.push_back(input.byte());
+  if (lists.values.empty()) lists.values.push_back(0);  // a pointer is needed all the same
   return lists;
 }
 

@@ -1,3 +1,5 @@
+#include <cstdlib>
+
 #include "support/fuzzer.h"
 #include "support/isa_levels.h"
 
@@ -12,8 +14,19 @@ Isa chooseLevel(Input& input) {
 
 }  // namespace zorj::fuzz
 
+namespace {
+
+// After GoogleTest's own listener has printed the failure.
+class FailureEndsProgram : public testing::EmptyTestEventListener {
+  void OnTestPartResult(const testing::TestPartResult& result) override {
+    if (result.failed()) std::abort();
+  }
+};
+
+}  // namespace
+
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  testing::GTEST_FLAG(break_on_failure) = true;
+  testing::UnitTest::GetInstance()->listeners().Append(new FailureEndsProgram);
   return 0;
 }
 

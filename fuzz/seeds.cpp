@@ -1,0 +1,96 @@
+// Writes inputs that are files of the codecs to DIRECTORY/TARGET/, for the fuzzers to start from.
+#include <zorj.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "common/files.h"
+#include "dds/codec.h"
+#include "interop/pictures.h"
+#include "jpeg/codec.h"
+
+namespace {
+
+namespace dds = examples::dds;
+namespace jpeg = examples::jpeg;
+using File = std::vector<uint8_t>;
+
+class Seeds {
+ public:
+  Seeds(const std::string& directory, const std::string& target) : path_(directory + "/" + target + "/") {
+    std::filesystem::create_directories(path_);
+  }
+  // The input's first bytes are choices; the file follows them.
+  void add(const File& choices, const File& file) {
+    examples::OutputFile out(path_ + std::to_string(count_++));
+    out.write(choices);
+    out.write(file);
+    out.commit();
+  }
+
+ private:
+  std::string path_;
+  int count_ = 0;
+};
+
+void writeJpegSeeds(const std::string& directory) {
+  Seeds seeds(directory, "jpeg_decode");
+  uint8_t choices = 0;
+  const auto add = [&](const auto& image, const jpeg::EncodeOptions& options) {
+    File file;
+    jpeg::encode(image, options, file);
+    seeds.add({static_cast<uint8_t>(choices % 5), choices}, file);
+    choices = static_cast<uint8_t>(choices + 37);
+  };
+  for (const int32_t channels : {1, 3, 4}) {
+    for (const jpeg::Sampling sampling : {jpeg::Sampling::s444, jpeg::Sampling::s422, jpeg::Sampling::s420}) {
+      jpeg::EncodeOptions options{50, sampling, channels - 1};
+      const examples::Image image = interop::picture(19, 18, channels);
+      add(image, options);
+      options.progressive = true;
+      add(image, options);
+      options.progressive = false;
+      options.precision = 12;
+      options.optimize = true;
+      add(image, options);
+    }
+    for (int32_t predictor = 1; predictor <= 7; ++predictor) {
+      jpeg::EncodeOptions options;
+      options.predictor = predictor;
+      const examples::Image image = interop::picture(11, 7, channels);
+      options.restartInterval = predictor % 2 * image.width;
+      add(image, options);
+    }
+  }
+}
+
+void writeDdsSeeds(const std::string& directory) {
+  Seeds seeds(directory, "dds");
+  for (int i = 0; i < 8; ++i) {
+    const auto format = static_cast<dds::Format>(i / 2);
+    const auto choice = static_cast<uint8_t>(i);
+    seeds.add({choice, choice, choice}, dds::encode(interop::picture(10, 7, 3), format, i % 2 != 0));
+  }
+  // Any blocks are blocks of BC7.
+  dds::Texture texture;
+  texture.format = dds::Format::bc7;
+  texture.width = 9;
+  texture.height = 6;
+  texture.dx10 = true;
+  File file = dds::makeHeaders(texture);
+  interop::Random random(1);
+  for (size_t i = texture.level(0).bytes; i > 0; --i) file.push_back(static_cast<uint8_t>(random.next()));
+  seeds.add({0, 0, 0}, file);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count != 2) {
+    std::fprintf(stderr, "usage: fuzz_seeds DIRECTORY\n");
+    return 2;
+  }
+  writeJpegSeeds(arguments[1]);
+  writeDdsSeeds(arguments[1]);
+}
