@@ -6,6 +6,7 @@
 #ifndef ZORJ_H
 #define ZORJ_H
 
+#include "zorj/hdp.h"
 #include "zorj/jpeg_color.h"
 #include "zorj/jpeg_dct.h"
 #include "zorj/jpeg_huffman.h"

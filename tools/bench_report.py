@@ -61,10 +61,11 @@ def machine_text():
         platform.processor(),
     )
     compiler = subprocess.run(["g++", "--version"], capture_output=True, text=True).stdout.split("\n")[0]
-    package = subprocess.run(
-        ["dpkg-query", "-W", "-f", "${Version}", "libturbojpeg0-dev"], capture_output=True, text=True
+    packages = subprocess.run(
+        ["dpkg-query", "-W", "-f", "; ${Package} ${Version}", "libturbojpeg0-dev", "libtiff-dev", "libjxr-dev"],
+        capture_output=True, text=True
     ).stdout
-    return f"{cpu}; {compiler}; libjpeg-turbo {package}; one thread unless said"
+    return f"{cpu}; {compiler}{packages}; one thread unless said"
 
 
 def table(topics):

@@ -1,60 +1,31 @@
 // zordds: textures of every format and size against Pillow's reader, mip chains, damaged files, the program.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 
 #include "common/error.h"
 #include "common/files.h"
 #include "common/image_file.h"
 #include "dds/codec.h"
 #include "interop/pictures.h"
+#include "interop/program_test.h"
 
 namespace interop {
 namespace {
 
 namespace dds = examples::dds;
-namespace fs = std::filesystem;
 using dds::Format;
 
 using Bytes = std::vector<uint8_t>;
 
-class Dds : public testing::Test {
+class Dds : public ProgramTest {
  protected:
-  void SetUp() override {
-    directory_ = fs::path(testing::TempDir()) /
-                 ("zordds_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(directory_);
-    fs::create_directories(directory_);
-  }
-  void TearDown() override { fs::remove_all(directory_); }
+  Dds() : ProgramTest("zordds", ZORDDS_PROGRAM) {}
 
-  std::string path(const std::string& name) const { return (directory_ / name).string(); }
-  void write(const std::string& name, const Bytes& bytes) const {
-    examples::OutputFile file(path(name));
-    file.write(bytes);
-    file.commit();
-  }
-  int run(const std::string& command) const {
-    const std::string line = "cd '" + directory_.string() + "' && " + command + " >out 2>err";
-    const int status = std::system(line.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  int zordds(const std::string& arguments) const { return run(ZORDDS_PROGRAM " " + arguments); }
-  std::string said(const std::string& where) const {
-    const Bytes bytes = examples::readFile(path(where));
-    return {bytes.begin(), bytes.end()};
-  }
   // The file as Pillow, of the system's Python, decodes it.
   Bytes decodedByPillow(const Bytes& file) const {
     write("x.dds", file);
-    EXPECT_EQ(run("/usr/bin/python3 " ZORJ_PILLOW_SCRIPT " x.dds x.rgba"), 0) << said("err");
+    EXPECT_EQ(shell("/usr/bin/python3 " ZORJ_PILLOW_SCRIPT " x.dds x.rgba 2>err"), 0) << message();
     return examples::readFile(path("x.rgba"));
   }
-
-  fs::path directory_;
 };
 
 // With opacity in the last of 2 or 4 channels.
@@ -167,21 +138,18 @@ TEST_F(Dds, RefusesDamagedFiles) {
 TEST_F(Dds, TheProgramEncodesDecodesAndDescribes) {
   examples::writeImage(path("in.png"), texturePicture(70, 50, 4));
   for (const char* format : {"dxt1", "dxt3", "dxt5", "ycocg-dxt5"}) {
-    ASSERT_EQ(zordds(std::string("encode in.png a.dds --mipmaps --format ") + format), 0) << said("err");
-    ASSERT_EQ(zordds("decode a.dds b.png --level 1"), 0) << said("err");
+    ASSERT_EQ(run(std::string("encode in.png a.dds --mipmaps --format ") + format), 0) << message();
+    ASSERT_EQ(run("decode a.dds b.png --level 1"), 0) << message();
     EXPECT_EQ(examples::readImage(path("b.png")).width, 35);
-    ASSERT_EQ(zordds("info a.dds"), 0) << said("err");
-    EXPECT_NE(said("out").find("level 6: 1 x 1 pixels"), std::string::npos) << said("out");
+    ASSERT_EQ(run("info a.dds"), 0) << message();
+    EXPECT_NE(text("out").find("level 6: 1 x 1 pixels"), std::string::npos) << text("out");
   }
-  const std::pair<const char*, int> failures[] = {{"encode in.png", 2},       {"encode in.png a.dds --format bc7", 2},
-                                                  {"decode in.png b.png", 1}, {"decode a.dds b.png --level 7", 1},
-                                                  {"decode a.dds b.jpg", 1},  {"info missing.dds", 1}};
-  for (const auto& [arguments, code] : failures) {
-    EXPECT_EQ(zordds(arguments), code) << arguments;
-    const std::string message = said("err");
-    EXPECT_EQ(message.rfind("zordds: ", 0), 0u) << message;
-    EXPECT_EQ(std::count(message.begin(), message.end(), '\n'), 1) << message;
-  }
+  expectFailure("encode in.png", 2, "output");
+  expectFailure("encode in.png a.dds --format bc7", 2, "bc7");
+  expectFailure("decode in.png b.png", 1, "in.png");
+  expectFailure("decode a.dds c.png --level 7", 1, "level 7");
+  expectFailure("decode a.dds b.jpg", 1, ".png");
+  expectFailure("info missing.dds", 1, "missing.dds");
 }
 
 }  // namespace
