@@ -9,11 +9,13 @@
 #include "dds/codec.h"
 #include "interop/pictures.h"
 #include "jpeg/codec.h"
+#include "tiff/codec.h"
 
 namespace {
 
 namespace dds = examples::dds;
 namespace jpeg = examples::jpeg;
+namespace tiff = examples::tiff;
 using File = std::vector<uint8_t>;
 
 class Seeds {
@@ -84,6 +86,19 @@ void writeDdsSeeds(const std::string& directory) {
   seeds.add({0, 0, 0}, file);
 }
 
+void writeTiffSeeds(const std::string& directory) {
+  Seeds seeds(directory, "tiff");
+  for (uint8_t i = 0; i < 12; ++i) {
+    const examples::Image picture = interop::picture(9, 13, i % 3 == 0 ? 1 : i % 3 == 1 ? 3 : 4);
+    examples::DeepImage image(picture.width, picture.height, picture.channels);
+    image.precision = i % 2 == 0 ? 8 : 16;
+    std::copy(picture.samples.begin(), picture.samples.end(), image.samples.begin());
+    File file;
+    tiff::encode(image, i / 6 == 0 ? tiff::Compression::none : tiff::Compression::packBits, file);
+    seeds.add({i, i}, file);
+  }
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -93,4 +108,5 @@ int main(int count, char** arguments) {
   }
   writeJpegSeeds(arguments[1]);
   writeDdsSeeds(arguments[1]);
+  writeTiffSeeds(arguments[1]);
 }
