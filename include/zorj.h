@@ -7,6 +7,8 @@
 #define ZORJ_H
 
 #include "zorj/hdp.h"
+#include "zorj/jpeg2k_codeblock.h"
+#include "zorj/jpeg2k_transform.h"
 #include "zorj/jpeg_color.h"
 #include "zorj/jpeg_dct.h"
 #include "zorj/jpeg_huffman.h"
