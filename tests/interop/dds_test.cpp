@@ -18,7 +18,7 @@ using Bytes = std::vector<uint8_t>;
 
 class Dds : public ProgramTest {
  protected:
-  Dds() : ProgramTest("zordds", ZORDDS_PROGRAM) {}
+  Dds() : ProgramTest(ZORDDS_PROGRAM) {}
 
   // The file as Pillow, of the system's Python, decodes it.
   Bytes decodedByPillow(const Bytes& file) const {

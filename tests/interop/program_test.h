@@ -1,4 +1,4 @@
-// What tests of the programs have in common: a directory of their own, and runs in it.
+// What tests of the programs have in common: a directory of their own with two pictures, and runs in it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,6 +10,8 @@
 #include <string>
 
 #include "common/files.h"
+#include "common/image_file.h"
+#include "interop/pictures.h"
 
 namespace interop {
 
@@ -17,11 +19,13 @@ namespace fs = std::filesystem;
 
 class ProgramTest : public testing::Test {
  protected:
-  ProgramTest(const std::string& name, const std::string& program) : name_(name), program_(program) {
+  explicit ProgramTest(const std::string& program) : name_(fs::path(program).filename()), program_(program) {
     directory_ = fs::path(testing::TempDir()) /
-                 (name + "_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
+                 (name_ + "_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
     fs::remove_all(directory_);
     fs::create_directories(directory_);
+    examples::writeImage(path("in.png"), picture(70, 50, 3));
+    examples::writeImage(path("grey.pgm"), picture(70, 50, 1));
   }
   ~ProgramTest() override { fs::remove_all(directory_); }
 

@@ -127,7 +127,7 @@ std::vector<uint8_t> encoded(const DeepImage& image, Compression compression = C
 
 class Tiff : public ProgramTest {
  protected:
-  Tiff() : ProgramTest("zortiff", ZORTIFF_PROGRAM) {
+  Tiff() : ProgramTest(ZORTIFF_PROGRAM) {
     TIFFSetWarningHandler(nullptr);
     TIFFSetErrorHandler(nullptr);
   }
