@@ -121,6 +121,7 @@ class LosslessScan {
   void reconstruct(ComponentRows& rows, int32_t mcuRow, bool isFirst) {
     SamplePlane& plane = planes_[rows.component];
     const Prediction prediction{scan_.first, precision_, scan_.lowBit};
+    const int32_t largest = (1 << precision_) - 1;  // which damaged differences may exceed
     for (int32_t v = 0; v < rows.vertical; ++v) {
       std::vector<int16_t>& samples = rows.samples[static_cast<size_t>(v)];
       const std::vector<int16_t>& differences = rows.differences[static_cast<size_t>(v)];
@@ -134,7 +135,7 @@ class LosslessScan {
       if (y >= plane.height) continue;
       uint16_t* const to = plane.samples.data() + size_t(y) * size_t(plane.width);
       for (int32_t x = 0; x < plane.width; ++x) {
-        to[x] = static_cast<uint16_t>(samples[static_cast<size_t>(x)] << scan_.lowBit);
+        to[x] = static_cast<uint16_t>(samples[static_cast<size_t>(x)] << scan_.lowBit & largest);
       }
     }
   }
