@@ -9,12 +9,14 @@
 #include "dds/codec.h"
 #include "interop/pictures.h"
 #include "jpeg/codec.h"
+#include "jpeg2k/codec.h"
 #include "tiff/codec.h"
 
 namespace {
 
 namespace dds = examples::dds;
 namespace jpeg = examples::jpeg;
+namespace jpeg2k = examples::jpeg2k;
 namespace tiff = examples::tiff;
 using File = std::vector<uint8_t>;
 
@@ -99,6 +101,26 @@ void writeTiffSeeds(const std::string& directory) {
   }
 }
 
+void writeJpeg2kSeeds(const std::string& directory) {
+  Seeds seeds(directory, "jpeg2k_decode");
+  for (uint8_t i = 0; i < 24; ++i) {
+    jpeg2k::EncodeOptions options;
+    if (i % 4 == 1) options.ratio = 6;
+    options.levels = i % 5;
+    if (i % 3 == 1) options.tile = {16, 11};
+    if (i % 3 == 2) options.precinct = {16, 16};
+    options.block = {16, 8};
+    options.layers = 1 + i % 3;
+    options.progression = static_cast<jpeg2k::Progression>(i % 5);
+    options.style = i < 12 ? 0 : 1u << i % 6;
+    options.sop = options.eph = i % 7 == 0;
+    options.codestreamOnly = i % 2 == 0;
+    File file;
+    jpeg2k::encode(interop::picture(19, 18, i % 3 == 0 ? 1 : i % 3 == 1 ? 3 : 4), options, file);
+    seeds.add({i, static_cast<uint8_t>(37 * i)}, file);
+  }
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -109,4 +131,5 @@ int main(int count, char** arguments) {
   writeJpegSeeds(arguments[1]);
   writeDdsSeeds(arguments[1]);
   writeTiffSeeds(arguments[1]);
+  writeJpeg2kSeeds(arguments[1]);
 }
