@@ -14,7 +14,7 @@ void fuzz(Input& input) {
   const Exact<uint8_t> memory(input.rest());
   const std::span<const uint8_t> file(memory.data(), memory.size());
   try {
-    EXPECT_GE(tiff::countImages(file), 1u);
+    if (tiff::countImages(file) == 0) EXPECT_THROW(tiff::describe(file), examples::Error);
   } catch (const examples::Error&) {
   }
   try {

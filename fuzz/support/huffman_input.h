@@ -1,6 +1,9 @@
 // Code lists and blocks made of an input.
 #pragma once
 
+#include <map>
+#include <utility>
+
 #include "support/huffman_data.h"
 #include "support/input.h"
 
@@ -31,8 +34,13 @@ inline HuffmanLists anyLists(Input& input, size_t symbols) {
   if (kind == 0) return test::typicalDcLists();
   if (kind == 1) return test::typicalAcLists();
   if (kind == 2) return listsOfInput(input);
-  test::Random random(kind % 16);
-  return test::randomLists(random, test::firstSymbols(symbols));
+  static std::map<std::pair<int, size_t>, HuffmanLists> made;
+  HuffmanLists& lists = made[{kind % 16, symbols}];
+  if (lists.values.empty()) {
+    test::Random random(kind % 16);
+    lists = test::randomLists(random, test::firstSymbols(symbols));
+  }
+  return lists;
 }
 
 // What is left, as blocks: each of some coefficients with their places, or all of one value.
