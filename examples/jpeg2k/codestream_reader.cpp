@@ -18,7 +18,7 @@ constexpr int64_t kMaxTiles = 65535;
 constexpr int64_t kAlwaysAllowedPixels = 1 << 24;
 constexpr int64_t kMaxPixelsPerByte = 4096;
 // Precincts take a byte each, unless the file is cut.
-constexpr int64_t kAlwaysAllowedPrecincts = 1 << 20;
+constexpr int64_t kAlwaysAllowedPrecincts = 1 << 18;
 
 int32_t coordinate(ByteReader& in) {
   const uint32_t value = in.doubleWord();
@@ -33,11 +33,6 @@ std::vector<uint8_t> joined(const std::map<int32_t, std::span<const uint8_t>>& s
   std::vector<uint8_t> bytes;
   for (const auto& [number, segment] : segments) bytes.insert(bytes.end(), segment.begin(), segment.end());
   return bytes;
-}
-
-int64_t precinctCount(const ImageSize& size, const TileCoding& coding) {
-  const Tile first = makeTile(size, coding, 0);
-  return PrecinctIndex(first).count() * tileCount(size);
 }
 
 }  // namespace
@@ -63,7 +58,13 @@ CodestreamReader::CodestreamReader(std::span<const uint8_t> codestream) : bytes_
   position_ -= 2;
   main_->check();
   packed_ = joined(packedSegments_);
-  if (precinctCount(size_, mainCoding()) > kAlwaysAllowedPrecincts + static_cast<int64_t>(bytes_.size())) {
+  // All tiles have about as many as the first.
+  countPrecincts(PrecinctIndex(makeTile(size_, mainCoding(), 0)).count() * tileCount(size_));
+}
+
+void CodestreamReader::countPrecincts(int64_t count) {
+  precincts_ += count;
+  if (precincts_ > kAlwaysAllowedPrecincts + static_cast<int64_t>(bytes_.size())) {
     throw Error("the file is too small for as many precincts");
   }
 }
@@ -160,6 +161,7 @@ void CodestreamReader::readTilePart() {
 
 void CodestreamReader::readTilePartHeader(int32_t number, TileData& tile) {
   std::map<int32_t, std::span<const uint8_t>> packed;
+  bool divided = false;
   for (;;) {
     const uint16_t code = nextMarker();
     if (code == marker::SOD) break;
@@ -174,6 +176,7 @@ void CodestreamReader::readTilePartHeader(int32_t number, TileData& tile) {
         tile.headers->beginTile();
       }
       tile.headers->read(code, in);
+      divided = divided || code == marker::COD || code == marker::COC;
     }
   }
   if (!packed.empty()) {
@@ -181,12 +184,7 @@ void CodestreamReader::readTilePartHeader(int32_t number, TileData& tile) {
     tile.packed = true;
     tile.packetHeaders.insert(tile.packetHeaders.end(), bytes.begin(), bytes.end());
   }
-  if (tile.headers) {
-    const Tile geometry = makeTile(size_, tile.headers->coding(), number);
-    if (PrecinctIndex(geometry).count() > kAlwaysAllowedPrecincts + static_cast<int64_t>(bytes_.size())) {
-      throw Error("the file is too small for as many precincts");
-    }
-  }
+  if (divided) countPrecincts(PrecinctIndex(makeTile(size_, tile.headers->coding(), number)).count());
 }
 
 // The main header's packet headers of one tile-part after the other, each with its length before it.

@@ -75,6 +75,7 @@ class CodestreamReader {
   ByteReader segment();
   void readSize(ByteReader in);
   void checkMemory() const;
+  void countPrecincts(int64_t count);
   void readTilePart();
   void readTilePartHeader(int32_t number, TileData& tile);
   void takePackedHeaders(TileData& tile);
@@ -87,6 +88,7 @@ class CodestreamReader {
   std::vector<uint8_t> packed_;                                 // joined
   size_t packedPosition_ = 0;
   std::map<int32_t, TileData> tiles_;
+  int64_t precincts_ = 0;  // of all tiles, and of those with headers of their own
   std::string problem_;
 };
 

@@ -154,7 +154,10 @@ class ImageEncoder {
   }
 
   void writeFile(const LayerSlopes& slopes, std::vector<uint8_t>& bytes) const {
+    size_t codewords = 0;
+    for (const CodedBlock& block : list_.blocks()) codewords += block.codeword.size();
     bytes.clear();
+    bytes.reserve(codewords);
     ByteWriter file(bytes);
     const size_t start = frame_.begin(file);
     for (const TileBlocks& tile : tiles_) {

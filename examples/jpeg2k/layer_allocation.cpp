@@ -96,7 +96,7 @@ LayerSlopes allocateLayers(std::span<const TileBlocks> tiles, const TileCoding& 
   const bool everything = target.kind == Kind::everything;
   if (everything && coding.layers == 1) return {kEverything};
   LayerAllocator allocator(tiles, coding, blocks, target.otherBytes);
-  // Only a size has to be met exactly; other layers may be off by what packet headers take.
+  // Without a size for the file, the sizes of layers leave out the packet headers of the last one.
   double last = everything ? kEverything : 0;
   if (target.kind == Kind::gain) last = target.gain > 0 ? slopeForGain(allocator.hulls(), target.gain) : kNothing;
   const int64_t all = target.kind == Kind::bytes ? target.bytes : target.otherBytes + allocator.bodyBytes(last);

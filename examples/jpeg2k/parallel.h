@@ -8,8 +8,8 @@
 
 namespace examples::jpeg2k {
 
-// Calls task(index, thread) for all indexes from 0 to count - 1, in any order, where threads are numbered from 0. Throws
-// what one of the calls throws.
+// Calls task(index, thread) for all indexes from 0 to count - 1, in any order, where threads are numbered from 0.
+// Throws what one of the calls throws.
 template <class Task>
 void inParallel(int64_t count, int32_t threads, const Task& task) {
   if (threads <= 1 || count <= 1) {

@@ -1,7 +1,10 @@
 // Headers and boxes that the peer's encoder does not write, put into its files: zorj2k decodes the same picture.
 #include <gtest/gtest.h>
 
+#include <zorj.h>
+
 #include <algorithm>
+#include <bit>
 
 #include "common/error.h"
 #include "interop/jpeg2k_compare.h"
@@ -14,7 +17,8 @@ using Bytes = std::vector<uint8_t>;
 using jpeg2k::ComponentSamples;
 
 constexpr uint8_t kSot = 0x90, kSop = 0x91, kEph = 0x92, kSod = 0x93, kEoc = 0xd9;
-constexpr uint8_t kCod = 0x52, kCoc = 0x53, kQcd = 0x5c, kQcc = 0x5d, kPoc = 0x5f, kPpm = 0x60, kPpt = 0x61;
+constexpr uint8_t kCod = 0x52, kCoc = 0x53, kQcd = 0x5c, kQcc = 0x5d, kRgn = 0x5e, kPoc = 0x5f, kPpm = 0x60,
+                  kPpt = 0x61;
 
 void append(Bytes& to, const Bytes& bytes) { to.insert(to.end(), bytes.begin(), bytes.end()); }
 void append16(Bytes& to, size_t value) { append(to, {static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)}); }
@@ -261,6 +265,71 @@ TEST(Jpeg2kHeaders, ProgressionOrderChanges) {
   inTile.headers.push_back({kPoc, {0, 0, 0, 3, 4, 3, 2}});
   inTile.parts[0].headers = {{kPoc, Codestream::slice(changes, 0, 7)}, {kPoc, Codestream::slice(changes, 7, 21)}};
   expectSamePicture(inTile.bytes(), file);
+}
+
+// Bits of a packet's header that has no byte of ones.
+class HeaderBits {
+ public:
+  void put(uint32_t value, int count) {
+    while (count-- > 0) bits_.push_back((value >> count & 1) != 0);
+  }
+  Bytes bytes() const {
+    Bytes bytes((bits_.size() + 7) / 8);
+    for (size_t i = 0; i < bits_.size(); ++i) bytes[i / 8] |= static_cast<uint8_t>(bits_[i] ? 0x80 >> i % 8 : 0);
+    return bytes;
+  }
+
+ private:
+  std::vector<bool> bits_;
+};
+
+// One block without a wavelet, some of whose samples are raised above all bits of the others: the peer's encoder can
+// only raise whole components.
+TEST(Jpeg2kHeaders, RegionOfInterestIsLowered) {
+  constexpr int kShift = 7, kPlanes = 8;  // one guard bit and an exponent of 8
+  std::vector<int32_t> block(64);
+  std::vector<int32_t> expected(64);
+  for (int i = 0; i < 64; ++i) {
+    const int32_t magnitude = i * 2 + 1;  // up to 127
+    const bool negative = i % 3 == 0, inRegion = i % 5 < 2;
+    expected[static_cast<size_t>(i)] = 128 + (negative ? -magnitude : magnitude);
+    block[static_cast<size_t>(i)] = magnitude << (inRegion ? kShift : 0) | (negative ? INT32_MIN : 0);
+  }
+  J2kEncodeState* state = nullptr;
+  ASSERT_EQ(zoriEncodeInitAlloc_JPEG2K(&state, {8, 8}), StatusOk);
+  int32_t planes = 0, passes = 0, segments = 0, length = 1000, notFinished = 0;
+  Bytes codeword(1000);
+  ASSERT_EQ(zoriEncodeLoadCodeBlock_JPEG2K_32s_C1R(block.data(), 32, {8, 8}, state, SubbandLL, 31, 0, 0, 0, &planes,
+                                                   &passes, &segments),
+            StatusOk);
+  ASSERT_EQ(zoriEncodeStoreBits_JPEG2K_1u(codeword.data(), &length, state, &notFinished), StatusOk);
+  zoriEncodeFree_JPEG2K(state);
+  codeword.resize(static_cast<size_t>(length));
+  ASSERT_EQ(planes, kShift + 7);
+
+  HeaderBits bits;
+  bits.put(3, 2);                                             // a packet, which has the block
+  bits.put(1, kPlanes + kShift - planes + 1);                 // planes of zeros, then a one
+  bits.put(0xff80 | static_cast<uint32_t>(passes - 37), 16);  // from 37 to 164 passes
+  bits.put(0xfe, 8);                                          // lengths of 3 + 7 bits
+  bits.put(static_cast<uint32_t>(length), 10 + std::bit_width(static_cast<uint32_t>(passes)) - 1);
+  Bytes packet = bits.bytes();
+  append(packet, codeword);
+
+  Codestream file(openjpeg::encode(
+      deepPicture({8, 8}, 1, 8),
+      [] {
+        opj_cparameters_t parameters = openjpeg::defaults();
+        parameters.numresolution = 1;
+        return parameters;
+      }(),
+      true));
+  file.header(kQcd).content = {0x20, kPlanes << 3};
+  file.headers.push_back({kRgn, {0, 0, kShift}});
+  file.parts[0].headers.clear();
+  file.parts[0].data = packet;
+  const std::vector<ComponentSamples> decoded = components(file.bytes());
+  for (size_t i = 0; i < 64; ++i) EXPECT_EQ(decoded[0].samples[i], expected[i]) << i;
 }
 
 // The codestream of a file of the peer in boxes of one's own.

@@ -260,7 +260,7 @@ void expectTileEqualsModel(const TileFunctions<T>& functions, const TileRect& ti
   const std::string what = std::string(functions.what) + " tile " + std::to_string(width) + "x" +
                            std::to_string(height) + " at " + std::to_string(parityX) + "," + std::to_string(parityY);
   const auto image = waveletImage<T>(Role::kInPlace, width, height);
-  const uint64_t seed = static_cast<uint64_t>(width * 1000 + height);
+  const uint64_t seed = static_cast<uint64_t>(width) * 1000 + static_cast<uint64_t>(height);
   for (const bool forward : {true, false}) {
     const auto level = [&](const Tile<T>& from) {
       return forward ? reference::forwardLevel<W>(from, parityX, parityY)

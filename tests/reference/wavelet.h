@@ -58,7 +58,10 @@ std::vector<T> analysed(const std::vector<T>& line, int parity) {
     const int64_t difference = W::difference(odd, even);
     return {W::stored(even + halfUp(difference)), W::stored(difference)};
   }
-  const At<T> x = [&](int c) { return line[static_cast<size_t>(reflected(c, -parity, length - 1 - parity) + parity)]; };
+  const At<T> x = [&](int c) {
+    const int i = reflected(c, -parity, length - 1 - parity) + parity;
+    return line[static_cast<size_t>(i)];
+  };
   std::vector<T> bands;
   for (int k = 0; k < lows; ++k) bands.push_back(W::low(x, k));
   for (int k = -parity; k < length - lows - parity; ++k) bands.push_back(W::high(x, k));
@@ -78,7 +81,10 @@ std::vector<T> synthesised(const std::vector<T>& bands, int parity) {
   }
   const auto inside = [=](int c) { return reflected(c, -parity, length - 1 - parity); };
   const At<T> low = [&](int k) { return bands[static_cast<size_t>(inside(2 * k) / 2)]; };
-  const At<T> high = [&](int k) { return bands[static_cast<size_t>(lows + (inside(2 * k + 1) + 1) / 2 - 1 + parity)]; };
+  const At<T> high = [&](int k) {
+    const int i = lows + (inside(2 * k + 1) + 1) / 2 - 1 + parity;
+    return bands[static_cast<size_t>(i)];
+  };
   std::vector<T> line;
   for (int c = -parity; c < length - parity; ++c) {
     const int k = static_cast<int>(floorDivide(c, 2));
