@@ -132,8 +132,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriEncodeLoadCodeBlock_JPEG2K_32s_C1R(const int32
 ZORJ_API StatusCode ZORJ_CALL zoriEncodeStoreBits_JPEG2K_1u(uint8_t* pDst, int32_t* pDstLen, J2kEncodeState* pState,
                                                             int32_t* pNotFinished);
 /**
- * Tells by how much the passes up to one reduce the squared error, in squares of the lowest coded plane's step. A pass's
- * own sum has 32 bits, in units of 1/8192 at its plane: enough for blocks of 65536 samples.
+ * Tells by how much the passes up to one reduce the squared error, in squares of the lowest coded plane's step. A
+ * pass's own sum has 32 bits, in units of 1/8192 at its plane: enough for blocks of 65536 samples.
  *
  * @param pState The encoder.
  * @param pass The last of the passes, from 0.
