@@ -62,7 +62,7 @@ void expectSameLossless(File file, int32_t predictor, int32_t restartInterval) {
 }  // namespace
 
 void fuzz(Input& input) {
-  constexpr int64_t kMaxPixels = 1 << 16;  // enough for more than a thread
+  constexpr int64_t kMaxPixels = 1 << 14;
   chooseLevel(input);
   const uint8_t choices = input.byte();
   const jpeg::DecodeOptions options = {choices % 2 != 0 ? jpeg::Upsampling::box : jpeg::Upsampling::triangle,
