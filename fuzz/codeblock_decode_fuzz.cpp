@@ -13,7 +13,7 @@ test::Coded codedBlock(Input& input) {
   test::Coded coded;
   coded.size = {input.between(1, 40), input.between(1, 18)};
   coded.subband = input.byte() % 5;
-  coded.planes = input.between(-1, 33);
+  coded.planes = input.between(0, 31);
   coded.passes = input.between(-1, 100);
   std::vector<int> lengths(static_cast<size_t>(input.between(0, 40)));
   for (int& length : lengths) length = input.byte() - 1;
@@ -69,13 +69,23 @@ void decodeInSteps(Input& input, uint32_t flags) {
   EXPECT_EQ(samples.values(), model.samples());
 }
 
+// Numbers of planes and passes that no block has: the model knows none of these.
+void decodeWithAnyNumbers(Input& input, uint32_t flags) {
+  const int32_t planes = input.word(), passes = input.word();
+  test::Coded coded = codedBlock(input);
+  coded.planes = planes;
+  coded.passes = passes;
+  sameAtPortableLevel([&] { return test::decode(coded, flags).samples; });
+}
+
 }  // namespace
 
 void fuzz(Input& input) {
   chooseLevel(input);
-  const bool inSteps = input.coin();
+  const uint8_t kind = input.byte() % 5;
   const uint32_t choices = static_cast<uint32_t>(input.byte()) | static_cast<uint32_t>(input.byte() % 32) << 16;
-  inSteps ? decodeInSteps(input, choices & kOptions) : decodeAtOnce(input, choices & kOptions);
+  if (kind == 4) return decodeWithAnyNumbers(input, choices & kOptions);
+  kind % 2 == 0 ? decodeAtOnce(input, choices & kOptions) : decodeInSteps(input, choices & kOptions);
 }
 
 }  // namespace zorj::fuzz
