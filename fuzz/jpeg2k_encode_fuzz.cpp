@@ -10,7 +10,7 @@ namespace jpeg2k = examples::jpeg2k;
 void fuzz(Input& input) {
   constexpr int32_t kChannels[] = {1, 3, 3, 4};
   chooseLevel(input);
-  examples::DeepImage image(input.between(1, 50), input.between(1, 50), kChannels[input.byte() % 4]);
+  examples::DeepImage image(input.between(1, 33), input.between(1, 33), kChannels[input.byte() % 4]);
   image.precision = input.between(1, 16);
   jpeg2k::EncodeOptions options;
   const bool lossless = input.coin();
