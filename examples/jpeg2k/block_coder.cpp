@@ -6,21 +6,10 @@
 #include <type_traits>
 
 #include "common/error.h"
+#include "jpeg2k/library_style.h"
 
 namespace examples::jpeg2k {
 namespace {
-
-// What zorj calls the options of a code-block style.
-uint32_t libraryStyle(uint32_t style) {
-  constexpr std::pair<uint32_t, uint32_t> kOptions[] = {{block_style::bypass, CbBypass},
-                                                        {block_style::reset, CbResetContexts},
-                                                        {block_style::termall, CbTermAll},
-                                                        {block_style::vcausal, CbVerticallyCausal},
-                                                        {block_style::segsym, CbSegmentationSymbol}};
-  uint32_t flags = 0;
-  for (const auto& [option, flag] : kOptions) flags |= (style & option) != 0 ? flag : 0;
-  return flags;
-}
 
 constexpr int32_t kPredictableTermination = 2, kShortestTermination = 1;
 

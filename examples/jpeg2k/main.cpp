@@ -5,6 +5,8 @@
 
 namespace jpeg2k = examples::jpeg2k;
 
+namespace {
+
 constexpr const char* kExamples =
     "Examples:\n"
     "  zorj2k encode photo.png photo.jp2\n"
@@ -12,7 +14,7 @@ constexpr const char* kExamples =
     "  zorj2k decode photo.jp2 photo.ppm\n"
     "  zorj2k decode photo.jp2 detail.png --region 400,300,640,480\n\n";
 
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   CLI::App app("Encodes and decodes JPEG 2000 files.", "zorj2k");
   app.footer(kExamples + examples::exitCodeHelp("JPEG 2000"));
   jpeg2k::EncodeCommand encode;
@@ -25,3 +27,7 @@ int main(int argc, char** argv) {
                                  {{encodeCommand, [&] { return jpeg2k::runEncode(encode); }},
                                   {decodeCommand, [&] { return jpeg2k::runDecode(decode); }}});
 }
+
+}  // namespace
+
+int main(int argc, char** argv) { return examples::runProgram("zorj2k", &run, argc, argv); }

@@ -54,15 +54,11 @@ inline TagTree::TagTree(int32_t wide, int32_t high) : leaves_(wide * high) {
     if (w * h <= 1) break;
   }
   nodes_.resize(count);
-  int32_t level = 0;
-  for (int32_t w = wide, h = high; w * h > 1; w = (w + 1) / 2, h = (h + 1) / 2) {
-    const int32_t above = level + w * h;
+  size_t node = 0;
+  for (int32_t w = wide, h = high, above = w * h; w * h > 1; w = (w + 1) / 2, h = (h + 1) / 2, above += w * h) {
     for (int32_t y = 0; y < h; ++y) {
-      for (int32_t x = 0; x < w; ++x) {
-        nodes_[static_cast<size_t>(level + y * w + x)].parent = above + y / 2 * ((w + 1) / 2) + x / 2;
-      }
+      for (int32_t x = 0; x < w; ++x) nodes_[node++].parent = above + y / 2 * ((w + 1) / 2) + x / 2;
     }
-    level = above;
   }
 }
 

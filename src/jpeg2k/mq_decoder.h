@@ -131,13 +131,13 @@ class MqDecoder {
     return decoder;
   }
 
-  Register interval_;
-  Register code_;
-  const uint8_t* data_;
-  uint32_t length_;
-  uint32_t position_;  // of the byte read last
-  int32_t bitsLeft_;   // bits read that are not in the 16 compared yet
-  bool markerMet_;
+  Register interval_ = 0;
+  Register code_ = 0;
+  const uint8_t* data_ = nullptr;
+  uint32_t length_ = 0;
+  uint32_t position_ = 0;  // of the byte read last
+  int32_t bitsLeft_ = 0;   // bits read that are not in the 16 compared yet
+  bool markerMet_ = false;
 };
 
 }  // namespace zorj

@@ -120,12 +120,12 @@ class MqEncoder {
     for (int32_t bits = 27 - bitsToByte_ - zeros; bits > 0; bits -= bitsToByte_) shiftOutByte();
   }
 
-  uint32_t interval_;  // in the upper half
-  uint32_t code_;
-  int32_t bitsToByte_;
-  uint8_t* last_;
-  uint8_t* first_;
-  uint8_t before_;
+  uint32_t interval_ = 0;  // in the upper half
+  uint32_t code_ = 0;
+  int32_t bitsToByte_ = 0;
+  uint8_t* last_ = nullptr;
+  uint8_t* first_ = nullptr;
+  uint8_t before_ = 0;
 };
 
 }  // namespace zorj

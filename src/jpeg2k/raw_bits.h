@@ -31,10 +31,10 @@ class RawDecoder {
   bool endsPadded() const { return (current_ & ((1u << bitsLeft_) - 1)) == 0x55u >> (8 - bitsLeft_); }
 
  private:
-  const uint8_t* next_;
-  int32_t left_;
-  uint32_t current_;
-  int32_t bitsLeft_;
+  const uint8_t* next_ = nullptr;
+  int32_t left_ = 0;
+  uint32_t current_ = 0;
+  int32_t bitsLeft_ = 0;
 };
 
 class RawEncoder {
@@ -68,10 +68,10 @@ class RawEncoder {
     pending_ = 0;
   }
 
-  uint8_t* next_;
-  uint32_t pending_;
-  int32_t bitsFree_;
-  int32_t bitsInByte_;
+  uint8_t* next_ = nullptr;
+  uint32_t pending_ = 0;
+  int32_t bitsFree_ = 0;
+  int32_t bitsInByte_ = 0;
 };
 
 }  // namespace zorj

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <ranges>
 #include <string>
 #include <vector>
 

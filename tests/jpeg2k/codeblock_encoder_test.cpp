@@ -125,11 +125,12 @@ struct Cut {
 Cut cutAt(const EncodedBlock& encoded, const BlockCase& block, int pass) {
   Coded whole = codedBlock(block, encoded);
   whole.passes = pass + 1;
-  const auto endsSegment = [&](int i) {
-    return (block.flags & CbTermAll) ||
-           reference::isRawPass(i, block.flags) != reference::isRawPass(i + 1, block.flags);
-  };
-  whole.segmentLengths.resize(static_cast<size_t>(std::ranges::count_if(std::views::iota(0, pass), endsSegment)) + 1);
+  size_t segments = 1;
+  for (int i = 0; i < pass; ++i) {
+    const bool endsHere = reference::isRawPass(i, block.flags) != reference::isRawPass(i + 1, block.flags);
+    if (endsHere || (block.flags & CbTermAll)) ++segments;
+  }
+  whole.segmentLengths.resize(segments);
   Coded cut = whole;
   int left = encoded.rates[static_cast<size_t>(pass)];
   cut.codeword.resize(static_cast<size_t>(left));

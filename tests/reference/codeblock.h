@@ -66,11 +66,9 @@ class BlockModel {
       }
       const bool inRun = runX == x && runY == top;
       if (inRun && y - top < runRow) return;
-      if (inRun && y - top == runRow) {
-        becomeSignificant(coder, block, x, y, false);
-      } else if (!at(x, y).significant && !at(x, y).visited && coder.decide(2 + label(x, y), block.bit(x, y))) {
-        becomeSignificant(coder, block, x, y, false);
-      }
+      const bool endsRun = inRun && y - top == runRow;
+      if (!endsRun && (at(x, y).significant || at(x, y).visited)) return;
+      if (endsRun || coder.decide(2 + label(x, y), block.bit(x, y))) becomeSignificant(coder, block, x, y, false);
     });
     for (State& state : states_) state.visited = false;
   }
