@@ -30,7 +30,7 @@ test::Coded codedBlock(Input& input) {
 void decodeAtOnce(Input& input, uint32_t flags) {
   const int32_t before = input.word();
   const test::Coded coded = codedBlock(input);
-  const test::Samples samples(static_cast<size_t>(coded.size.width * coded.size.height), before);
+  const test::Samples samples(static_cast<size_t>(coded.size.width) * static_cast<size_t>(coded.size.height), before);
   const auto actual = test::decode(coded, flags, samples);
   const auto expected = reference::decodeBlock(coded.codeword, coded.size, coded.subband, coded.planes, coded.passes,
                                                coded.segmentLengths, flags, samples);
@@ -47,7 +47,7 @@ void decodeInSteps(Input& input, uint32_t flags) {
   const Exact<uint8_t> memory(static_cast<size_t>(bytes), true);
   auto* const state = reinterpret_cast<J2kDecodeState*>(memory.data());
   EXPECT_EQ(zoriDecodeCBProgrInit_JPEG2K(state), StatusOk);
-  const auto count = static_cast<size_t>(coded.size.width * coded.size.height);
+  const auto count = static_cast<size_t>(coded.size.width) * static_cast<size_t>(coded.size.height);
   const Exact<int32_t> samples(count, true);
   EXPECT_EQ(zoriDecodeCBProgrAttach_JPEG2K_32s_C1R(samples.data(), coded.size.width * 4, coded.size, state,
                                                    coded.subband, coded.planes, flags),

@@ -13,7 +13,7 @@ void fuzz(Input& input) {
   block.termination = input.byte() % 4;
   block.flags = input.byte() & 0x3Fu;
   const int32_t piece = input.between(1, 300), shift = input.between(0, 31);
-  const auto count = static_cast<size_t>(block.size.width * block.size.height);
+  const auto count = static_cast<size_t>(block.size.width) * static_cast<size_t>(block.size.height);
   block.samples.resize(count);
   input.fill(block.samples.data(), count);
   for (int32_t& sample : block.samples) {
