@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <limits>
 
 #include "common/error.h"
@@ -12,21 +12,12 @@
 #include "common/image_file.h"
 
 namespace examples::gallery {
-
-double medianSeconds(const std::function<void()>& call) {
-  using Clock = std::chrono::steady_clock;
-  std::vector<double> seconds;
-  const auto start = Clock::now();
-  while (seconds.size() < 3 || Clock::now() - start < std::chrono::milliseconds(200)) {
-    const auto before = Clock::now();
-    call();
-    seconds.push_back(std::chrono::duration<double>(Clock::now() - before).count());
-  }
-  std::nth_element(seconds.begin(), seconds.begin() + static_cast<ptrdiff_t>(seconds.size() / 2), seconds.end());
-  return seconds[seconds.size() / 2];
-}
+namespace {
 
 double psnr(const Image& a, const Image& b) {
+  if (a.width != b.width || a.height != b.height || a.channels != b.channels) {
+    throw Error("a decoded picture has another size than the original");
+  }
   double squares = 0;
   for (size_t i = 0; i < a.samples.size(); ++i) {
     const double difference = a.samples[i] - b.samples[i];
@@ -36,43 +27,97 @@ double psnr(const Image& a, const Image& b) {
   return 10 * std::log10(255.0 * 255.0 * static_cast<double>(a.samples.size()) / squares);
 }
 
-int largestDifference(const Image& a, const Image& b) {
-  if (a.samples.size() != b.samples.size()) throw Error("a decoded picture has another size than the original");
-  int largest = 0;
-  for (size_t i = 0; i < a.samples.size(); ++i) largest = std::max(largest, std::abs(a.samples[i] - b.samples[i]));
-  return largest;
-}
+double bitsPerPixel(size_t bytes, double megapixels) { return static_cast<double>(bytes) * 8e-6 / megapixels; }
 
-Gallery::Gallery(Image original, std::filesystem::path directory)
-    : original_(std::move(original)), directory_(std::move(directory)) {}
-
-Exhibit Gallery::take(Exhibit exhibit, const Encode& encode, const Decode& decode) const {
-  std::vector<uint8_t> file;
-  exhibit.encodeSeconds = medianSeconds([&] { file = encode(); });
-  exhibit.decodeSeconds = medianSeconds([&] { exhibit.picture = decode(file); });
-  exhibit.bytes = file.size();
-  OutputFile output(path(exhibit.fileName));
-  output.write(file);
-  output.commit();
-  return exhibit;
-}
-
-void Gallery::show(Exhibit exhibit) {
-  exhibit.psnr = psnr(original_, exhibit.picture);
-  exhibit.agrees &= !exhibit.exact || std::isinf(exhibit.psnr);
-  const auto speed = [&](double seconds) { return pixels() / seconds / 1e6; };
-  std::printf("%-12s %-32s %8.0f KB %6.2f ", exhibit.family.c_str(), exhibit.name.c_str(),
-              static_cast<double>(exhibit.bytes) / 1e3, static_cast<double>(exhibit.bytes) * 8 / pixels());
-  if (std::isinf(exhibit.psnr)) {
-    std::printf("    exact ");
-  } else {
-    std::printf("%6.2f dB ", exhibit.psnr);
-  }
-  std::printf("%8.1f %8.1f   %s%s\n", speed(exhibit.encodeSeconds), speed(exhibit.decodeSeconds), exhibit.check.c_str(),
-              exhibit.agrees ? "" : " DIFFERS");
+// The start of a line, there while the work that the line is about goes on.
+void announce(const std::string& family, const std::string& name) {
+  std::printf("%-10s %-29s ", family.c_str(), name.c_str());
   std::fflush(stdout);
-  writeImage(path(exhibit.fileName + ".png"), exhibit.picture);
+}
+
+}  // namespace
+
+std::string format(const char* pattern, ...) {
+  va_list arguments, again;
+  va_start(arguments, pattern);
+  va_copy(again, arguments);
+  std::string text(static_cast<size_t>(std::vsnprintf(nullptr, 0, pattern, arguments)), '\0');
+  std::vsnprintf(text.data(), text.size() + 1, pattern, again);
+  va_end(again);
+  va_end(arguments);
+  return text;
+}
+
+std::vector<std::string> numbers(const Exhibit& exhibit, double megapixels) {
+  const bool none = exhibit.bytes == 0;
+  const auto speed = [&](double seconds) {
+    return format(seconds < megapixels / 100 ? "%.0f" : "%.1f", megapixels / seconds);
+  };
+  return {none ? "-" : format("%.1f KB", static_cast<double>(exhibit.bytes) / 1e3),
+          none ? "-" : format("%.2f", bitsPerPixel(exhibit.bytes, megapixels)),
+          std::isinf(exhibit.psnr) ? "exact" : format("%.2f dB", exhibit.psnr),
+          exhibit.decodedOnly ? "-" : speed(exhibit.encodeSeconds), speed(exhibit.decodeSeconds)};
+}
+
+std::string Verdict::words() const {
+  if (decoder.empty()) return "-";
+  if (!canRead) return decoder + " cannot read it";
+  return format("%s: %d (at most %d)", decoder.c_str(), difference, allowed);
+}
+
+bool Exhibit::agrees() const { return verdict.agrees() && (!exact || std::isinf(psnr)); }
+
+Gallery::Gallery(Image original, std::filesystem::path directory, bool quick)
+    : original_(std::move(original)), directory_(std::move(directory)), quick_(quick) {}
+
+double Gallery::medianSeconds(const std::function<void()>& call) const {
+  std::vector<double> seconds;
+  double sum = 0;
+  while (seconds.empty() || (!quick_ && sum < 1 && (sum < 0.15 || seconds.size() < 3))) {
+    const auto start = std::chrono::steady_clock::now();
+    call();
+    seconds.push_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    sum += seconds.back();
+  }
+  const auto median = seconds.begin() + static_cast<ptrdiff_t>(seconds.size() / 2);
+  std::nth_element(seconds.begin(), median, seconds.end());
+  return *median;
+}
+
+const Exhibit& Gallery::show(Exhibit exhibit, const Encode& encode, const Decode& decode, const Judge& judge) {
+  announce(exhibit.family, exhibit.name);
+  Bytes file;
+  exhibit.encodeSeconds = medianSeconds([&] { file = encode(original_); });
+  exhibit.decodeSeconds = medianSeconds([&] { exhibit.picture = decode(file); });
+  exhibit.psnr = psnr(original_, exhibit.picture);
+  exhibit.bytes = file.size();
+  if (!exhibit.fileName.empty()) {
+    OutputFile output(path(exhibit.fileName));
+    output.write(file);
+    output.commit();
+    writeImage(path(exhibit.fileName + ".png"), exhibit.picture);
+  }
+  exhibit.verdict = judge(exhibit, file);
+  for (const std::string& number : numbers(exhibit, megapixels())) std::printf(" %10s", number.c_str());
+  std::printf("   %s%s\n", exhibit.verdict.words().c_str(), exhibit.agrees() ? "" : " WRONG");
   exhibits_.push_back(std::move(exhibit));
+  return exhibits_.back();
+}
+
+void Gallery::draw(const Exhibit& exhibit) {
+  curves_.push_back({exhibit.name, {{bitsPerPixel(exhibit.bytes, megapixels()), exhibit.psnr}}});
+}
+
+void Gallery::draw(const std::string& family, const std::string& name, const std::vector<Encode>& encodes,
+                   const Decode& decode) {
+  announce(family, name + ", curve");
+  Curve curve{family + " " + name, {}};
+  for (const Encode& encode : encodes) {
+    const Bytes file = encode(original_);
+    curve.points.push_back({bitsPerPixel(file.size(), megapixels()), psnr(original_, decode(file))});
+  }
+  std::printf("%zu points\n", curve.points.size());
+  curves_.push_back(std::move(curve));
 }
 
 void Gallery::show(Plate plate) {
@@ -80,12 +125,8 @@ void Gallery::show(Plate plate) {
   plates_.push_back(std::move(plate));
 }
 
-Curve::Point Gallery::point(size_t bytes, const Image& decoded) const {
-  return {static_cast<double>(bytes) * 8 / pixels(), psnr(original_, decoded)};
-}
-
-bool Gallery::agrees() const {
-  return std::all_of(exhibits_.begin(), exhibits_.end(), [](const Exhibit& exhibit) { return exhibit.agrees; });
+int64_t Gallery::faults() const {
+  return std::count_if(exhibits_.begin(), exhibits_.end(), [](const Exhibit& exhibit) { return !exhibit.agrees(); });
 }
 
 }  // namespace examples::gallery

@@ -1,9 +1,10 @@
-// What the demo shows: a picture that went through a codec, how well, how small and how fast.
+// What the demo shows: a picture that went through the codecs, how well, how small and how fast.
 #pragma once
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -11,22 +12,38 @@
 
 namespace examples::gallery {
 
+using Bytes = std::vector<uint8_t>;
+
+// What became of the comparison with an independent decoder.
+struct Verdict {
+  std::string decoder;  // empty where none that reads the file is installed
+  bool canRead = true;
+  int difference = 0;  // the largest of a sample
+  int allowed = 0;
+
+  bool agrees() const { return canRead && difference <= allowed; }
+  std::string words() const;
+};
+
 struct Exhibit {
   std::string family;
   std::string name;
-  std::string fileName;  // in the gallery's directory
+  std::string fileName;      // in the gallery's directory; empty where there is no file
+  std::string comment;       // in a sentence or two, where there is something to know
+  bool exact = false;        // the picture must be the original
+  bool decodedOnly = false;  // the library does not encode it
+
   size_t bytes = 0;
   double encodeSeconds = 0;
   double decodeSeconds = 0;
-  Image picture;        // as decoded
-  bool exact = false;   // it must be the original
-  std::string check;    // what became of the comparison with an independent decoder
-  bool agrees = true;   // with that decoder, and with the original where it must be that
-  double psnr = 0;      // infinite for the original itself
-  std::string comment;  // in a sentence, where there is something to know
+  Image picture;    // as decoded
+  double psnr = 0;  // infinite for the original itself
+  Verdict verdict;
+
+  bool agrees() const;
 };
 
-// A curve of quality over size.
+// Quality over size: a curve, or a single point.
 struct Curve {
   struct Point {
     double bitsPerPixel;
@@ -46,42 +63,47 @@ struct Plate {
 
 class Gallery {
  public:
-  // Exhibits are held against the original; their files and decoded pictures go into the directory.
-  Gallery(Image original, std::filesystem::path directory);
+  // Exhibits are held against the original; their files and decoded pictures go into the directory. A quick visit
+  // measures every call once.
+  Gallery(Image original, std::filesystem::path directory, bool quick);
 
-  // Codes the original, decodes the result and measures both; `encode` returns a file, which is written.
-  using Encode = std::function<std::vector<uint8_t>()>;
-  using Decode = std::function<Image(const std::vector<uint8_t>& file)>;
-  Exhibit take(Exhibit exhibit, const Encode& encode, const Decode& decode) const;
-  // Adds the exhibit and prints its line.
-  void show(Exhibit exhibit);
-  void show(Curve curve) { curves_.push_back(std::move(curve)); }
+  using Encode = std::function<Bytes(const Image& original)>;
+  using Decode = std::function<Image(std::span<const uint8_t> file)>;
+  using Judge = std::function<Verdict(const Exhibit& exhibit, const Bytes& file)>;
+  // Codes the original, decodes the result, measures both and hears the judge; prints a line about it.
+  const Exhibit& show(Exhibit exhibit, const Encode& encode, const Decode& decode, const Judge& judge);
+  // Puts the exhibit into the drawing, a point.
+  void draw(const Exhibit& exhibit);
+  // Draws the curve of some files.
+  void draw(const std::string& family, const std::string& name, const std::vector<Encode>& encodes,
+            const Decode& decode);
   void show(Plate plate);
-  // The quality of a file at its size.
-  Curve::Point point(size_t bytes, const Image& decoded) const;
 
   const Image& original() const { return original_; }
   std::filesystem::path path(const std::string& fileName) const { return directory_ / fileName; }
   const std::vector<Exhibit>& exhibits() const { return exhibits_; }
   const std::vector<Curve>& curves() const { return curves_; }
   const std::vector<Plate>& plates() const { return plates_; }
-  double pixels() const { return static_cast<double>(original_.width) * original_.height; }
-  // Whether all exhibits agree.
-  bool agrees() const;
+  double megapixels() const { return static_cast<double>(original_.width) * original_.height / 1e6; }
+  // How many exhibits are not what they must be.
+  int64_t faults() const;
 
  private:
+  double medianSeconds(const std::function<void()>& call) const;
+
   Image original_;
   std::filesystem::path directory_;
+  bool quick_;
   std::vector<Exhibit> exhibits_;
   std::vector<Curve> curves_;
   std::vector<Plate> plates_;
 };
 
-// Median seconds of a call, repeated for a while.
-double medianSeconds(const std::function<void()>& call);
-// Infinite for equal pictures.
-double psnr(const Image& a, const Image& b);
-int largestDifference(const Image& a, const Image& b);
+// As printf.
+[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...);
+// Numbers as they stand in the tables, "-" where there is none: the size, bits per pixel, the PSNR ("exact" for equal
+// pictures), and both speeds in megapixels per second.
+std::vector<std::string> numbers(const Exhibit& exhibit, double megapixels);
 
 // The rooms, each with the exhibits of a family.
 void showJpeg(Gallery& gallery);

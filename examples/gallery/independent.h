@@ -1,20 +1,25 @@
-// Decoders that have nothing to do with the library, to hold its results against.
+// Decoders that have nothing to do with the library, to hold its results against. Those that are programs may be
+// missing: their verdict has no decoder then.
 #pragma once
-
-#include <cstdint>
-#include <string>
-#include <vector>
 
 #include "gallery/gallery.h"
 
 namespace examples::gallery {
 
-// Holds the samples of a JPEG file before up-sampling and colour conversion against libjpeg-turbo's: a difference of 1
-// is within the accuracy of the inverse transform.
-void checkWithLibjpegTurbo(const std::vector<uint8_t>& file, Exhibit& exhibit);
+// Compares the samples of a JPEG file before up-sampling and colour conversion: 1 is within rounding.
+Verdict askLibjpegTurbo(const Bytes& file);
 
-// Holds the exhibit's picture against what Pillow decodes of its file, where it is installed. `allowed` is the largest
-// difference of a sample that counts as agreement.
-void checkWithPillow(const Gallery& gallery, int allowed, Exhibit& exhibit);
+// Compares the samples of a lossless or 12-bit JPEG file, whose pixels our decoder makes of it.
+Verdict askDcmtk(const Gallery& gallery, const Bytes& file);
+
+// RGBA of a file in the gallery, as Pillow decodes it; empty without Pillow.
+struct PillowPicture {
+  bool installed = true;
+  Bytes rgba;  // empty if Pillow cannot read the file
+};
+PillowPicture decodeWithPillow(const Gallery& gallery, const std::string& fileName);
+
+// Compares the exhibit's picture with what Pillow decodes; what it uses for that may be named.
+Verdict askPillow(const Gallery& gallery, const Exhibit& exhibit, int allowed, const char* decoder = "Pillow");
 
 }  // namespace examples::gallery

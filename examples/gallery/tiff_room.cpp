@@ -1,3 +1,4 @@
+#include "common/error.h"
 #include "common/image_file.h"
 #include "gallery/gallery.h"
 #include "gallery/independent.h"
@@ -6,27 +7,26 @@
 namespace examples::gallery {
 
 void showTiff(Gallery& gallery) {
-  const DeepImage deep = withPrecision<uint16_t>(gallery.original(), 8);
   Exhibit exhibit;
   exhibit.family = "TIFF";
   exhibit.name = "PackBits";
   exhibit.fileName = "packbits.tif";
+  exhibit.comment = "Made for scanned pages: a photograph has few runs of equal bytes, and even grows.";
   exhibit.exact = true;
-  exhibit.comment = "Made for scanned pages: a photograph has no runs, and grows.";
-  exhibit = gallery.take(
-      std::move(exhibit),
-      [&] {
-        std::vector<uint8_t> file;
-        tiff::encode(deep, tiff::Compression::packBits, file);
+  gallery.show(
+      exhibit,
+      [](const Image& image) {
+        Bytes file;
+        tiff::encode(withPrecision<uint16_t>(image, 8), tiff::Compression::packBits, file);
         return file;
       },
-      [](const std::vector<uint8_t>& file) {
+      [](std::span<const uint8_t> file) {
         DeepImage image;
-        tiff::decode(file, image);
+        const tiff::DecodeReport report = tiff::decode(file, image);
+        if (!report.complete()) throw Error(report.problem);
         return withPrecision<uint8_t>(image, 8);
-      });
-  checkWithPillow(gallery, 0, exhibit);
-  gallery.show(std::move(exhibit));
+      },
+      [&](const Exhibit& shown, const Bytes&) { return askPillow(gallery, shown, 0); });
 }
 
 }  // namespace examples::gallery
