@@ -6,7 +6,7 @@
 namespace examples::gallery {
 namespace {
 
-constexpr double kWidth = 720, kHeight = 420, kLeft = 48, kRight = 16, kTop = 16, kBottom = 56;
+constexpr double kWidth = 720, kHeight = 420, kLeft = 48, kRight = 16, kTop = 16, kBottom = 64;
 constexpr double kTick = 5;  // of the PSNR, in dB
 
 std::string colour(size_t number) { return format("var(--c%zu)", number % kCurveColours); }
@@ -22,7 +22,7 @@ class Drawing {
     for (double power = x_.low; power <= x_.high; ++power) {
       const double x = left(std::exp2(power));
       line(x, kTop, x, kHeight - kBottom);
-      text(x, kHeight - kBottom + 20, "middle", format("%g", std::exp2(power)));
+      text(x, kHeight - kBottom + 26, "middle", format("%g", std::exp2(power)));
     }
     for (double psnr = y_.low; psnr <= y_.high; psnr += kTick) {
       line(kLeft, top(psnr), kWidth - kRight, top(psnr));

@@ -29,13 +29,13 @@ void showJpeg2k(Gallery& gallery) {
   for (const int ratio : {0, 10, 25, 60}) {
     Exhibit exhibit;
     exhibit.family = "JPEG 2000";
-    exhibit.name = ratio == 0 ? "lossless, 5/3 wavelet" : format("%d : 1, 9/7 wavelet", ratio);
+    exhibit.name = ratio == 0 ? "lossless, 5/3 wavelet" : format("%d:1, 9/7 wavelet", ratio);
     exhibit.fileName = ratio == 0 ? "lossless.jp2" : format("%d-to-1.jp2", ratio);
     exhibit.comment = ratio == 0 ? "The reversible wavelet and colour transform, with all bit-planes coded."
                                  : format("The best picture in a %dth of the samples' size.", ratio);
     exhibit.exact = ratio == 0;
     gallery.show(exhibit, encoder(ratio), &decode, [&](const Exhibit& shown, const Bytes&) {
-      return askPillow(gallery, shown, shown.exact ? 0 : 1, "OpenJPEG in Pillow");
+      return askPillow(gallery, shown, shown.exact ? 0 : 1, "OpenJPEG");
     });
   }
   std::vector<Gallery::Encode> encoders;

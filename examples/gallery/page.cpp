@@ -16,7 +16,7 @@ namespace {
 
 constexpr int32_t kCutSide = 80;  // pixels, which are shown 3 times as large, or twice on a phone
 constexpr int32_t kOverviewSide = 1400;
-constexpr int kMagnified = 8;  // times, differences
+constexpr int kMagnified = 4;  // times, differences
 
 const char* const kStyle = R"(
 :root { color-scheme: light dark; --paper: #fbfaf8; --ink: #1c1c1e; --faint: #5f5f66; --line: #d9d7d2; --wrong: #b3261e;
@@ -36,16 +36,19 @@ p { margin: .4rem 0; max-width: 46rem; }
 .whole { max-width: 100%; max-height: 90vh; display: block; margin: .75rem 0; border-radius: 4px; }
 .scroll { overflow-x: auto; }
 table { border-collapse: collapse; width: 100%; font-variant-numeric: tabular-nums; }
-th, td { padding: .3rem .6rem; text-align: right; border-bottom: 1px solid var(--line); white-space: nowrap; }
+th, td { padding: .3rem .5rem; text-align: right; border-bottom: 1px solid var(--line); white-space: nowrap; }
 th { font-weight: 600; }
-th:nth-child(-n+2), td:nth-child(-n+2), th:last-child, td:last-child { text-align: left; }
+th:first-child, td:first-child, th:last-child, td:last-child { text-align: left; }
+th.family { color: var(--ink); padding-top: .8rem; }
 .exhibit { display: grid; gap: .5rem 1rem; grid-template-columns: repeat(3, 240px) 1fr; padding: 1rem 0;
   border-top: 1px solid var(--line); }
 figure { margin: 0; }
 .cut { width: 240px; height: 240px; object-fit: contain; image-rendering: pixelated; display: block; }
 @media (max-width: 65rem) { .exhibit { grid-template-columns: repeat(2, 240px); } }
 @media (max-width: 34rem) { .exhibit { grid-template-columns: repeat(2, 160px); gap: .5rem; }
-  .cut { width: 160px; height: 160px; } }
+  .cut { width: 160px; height: 160px; }
+  table { font-size: .9rem; }
+  td:first-child { position: sticky; left: 0; background: var(--paper); white-space: normal; min-width: 8.5rem; } }
 svg { width: 100%; height: auto; max-width: 52rem; display: block; }
 svg text { fill: var(--ink); font: 14px system-ui, sans-serif; }
 svg line { stroke: var(--line); }
@@ -162,13 +165,16 @@ std::string wrongIf(bool wrong) { return wrong ? " <span class=\"wrong\">wrong</
 
 std::string table(const Gallery& gallery) {
   std::string html = "<div class=\"scroll\"><table>\n<tr>";
-  for (const char* head : {"family", "coding", "size", "bits/pixel", "PSNR", "encode MP/s", "decode MP/s",
-                           "independent decoder: difference"}) {
+  for (const char* head :
+       {"coding", "size", "bits/pixel", "PSNR", "encode MP/s", "decode MP/s", "independent decoder"}) {
     html += std::string("<th>") + head + "</th>";
   }
   html += "</tr>\n";
+  std::string family;
   for (const Exhibit& exhibit : gallery.exhibits()) {
-    html += "<tr><td>" + exhibit.family + "</td><td>" + exhibit.name + "</td>";
+    if (exhibit.family != family) html += "<tr><th class=\"family\" colspan=\"7\">" + exhibit.family + "</th></tr>\n";
+    family = exhibit.family;
+    html += "<tr><td>" + exhibit.name + "</td>";
     for (const std::string& number : numbers(exhibit, gallery.megapixels())) html += "<td>" + number + "</td>";
     html += "<td>" + exhibit.verdict.words() + wrongIf(!exhibit.agrees()) + "</td></tr>\n";
   }
@@ -179,8 +185,8 @@ std::string sideBySide(const Exhibit& exhibit, const Gallery& gallery, Corner co
   const Image original = cut(gallery.original(), corner), decoded = cut(exhibit.picture, corner);
   const std::vector<std::string> words = numbers(exhibit, gallery.megapixels());
   const std::string size = exhibit.bytes == 0 ? "" : words[0] + ", " + words[1] + " bits a pixel, ";
-  return "<div class=\"exhibit\">\n" + figure(original, "original") + figure(decoded, exhibit.name) +
-         figure(magnifiedDifference(decoded, original), format("difference, %d times", kMagnified)) + "<div><h3>" +
+  return "<div class=\"exhibit\">\n" + figure(original, "original") + figure(decoded, "decoded") +
+         figure(magnifiedDifference(decoded, original), format("difference x %d", kMagnified)) + "<div><h3>" +
          exhibit.family + ", " + exhibit.name + "</h3>\n<p>" + size + words[2] + wrongIf(!exhibit.agrees()) + "</p>\n" +
          "<p class=\"faint\">" + escaped(exhibit.comment) + "</p></div>\n</div>\n";
 }

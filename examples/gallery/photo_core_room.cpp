@@ -60,7 +60,7 @@ void showPhotoCoreTransform(Gallery& gallery) {
   Exhibit exhibit;
   exhibit.family = "Photo core";
   exhibit.name = "4 x 4 transform and back";
-  exhibit.comment = "The transform of each channel, between samples in the memory.";
+  exhibit.comment = "The transform of each channel, in memory.";
   exhibit.exact = true;
   gallery.show(
       exhibit,
