@@ -10,6 +10,8 @@
 #include "common/error.h"
 #include "common/files.h"
 #include "common/image_file.h"
+#include "common/png_file.h"
+#include "common/pnm_file.h"
 #include "gallery/gallery.h"
 #include "gallery/page.h"
 #include "jpeg/codec.h"
@@ -28,8 +30,10 @@ Image readPicture(const std::string& path) {
   if (bytes.size() > 3 && std::memcmp(bytes.data(), kJpegStart, 3) == 0) {
     const std::string problem = examples::jpeg::decode(bytes, {}, image).problem;
     if (!problem.empty()) throw examples::Error(path + ": " + problem);
-  } else {
+  } else if (examples::isPng(bytes) || examples::isPnm(bytes)) {
     image = examples::readImage(path);
+  } else {
+    throw examples::Error(path + ": neither a JPEG, a PNG nor a binary PGM, PPM or PAM file");
   }
   return image.channels == 4 ? examples::cmykToRgb(image) : image;
 }
@@ -38,7 +42,7 @@ int demonstrate(const std::string& picture, const std::filesystem::path& directo
   Gallery gallery(readPicture(picture), directory, quick);
   std::filesystem::create_directories(directory);
   zorSetNumThreads(1);
-  std::printf("%s: %d x %d, %.1f megapixels. On one thread, in memory:\n\n%-10s %-29s", picture.c_str(),
+  std::printf("%s: %d x %d, %.2f megapixels. On one thread, in memory:\n\n%-10s %-29s", picture.c_str(),
               gallery.original().width, gallery.original().height, gallery.megapixels(), "family", "coding");
   for (const char* head : {"size", "bits/pixel", "PSNR", "encode*", "decode*"}) std::printf(" %10s", head);
   std::printf("   independent decoder**\n");
@@ -50,9 +54,7 @@ int demonstrate(const std::string& picture, const std::filesystem::path& directo
   writePage(gallery, std::filesystem::path(picture).filename().string() + " through zorj", page);
   std::printf(
       "\n*  In megapixels per second.\n"
-      "** The largest difference of a sample from what it decodes: of JPEG before up-sampling and colour conversion,\n"
-      "   of 12 bits in units of 4096; colours of DXT have zeros in their lowest bits here and repeat their highest "
-      "there.\n\n"
+      "** The largest difference of a sample from what it decodes, and the largest that is right.\n\n"
       "The files and their decoded pictures are in %s; all of it to look at: %s\n",
       directory.c_str(), page.c_str());
   if (gallery.faults() == 0) return examples::kDone;

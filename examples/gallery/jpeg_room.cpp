@@ -36,7 +36,7 @@ void drawCurve(Gallery& gallery, const std::string& name, EncodeOptions options)
 }  // namespace
 
 void showJpeg(Gallery& gallery) {
-  EncodeOptions optimised{90, Sampling::s420}, progressive = optimised, deep = optimised, lossless;
+  EncodeOptions optimised{90, Sampling::s420}, progressive = optimised, deep, lossless;
   optimised.optimize = true;
   progressive.progressive = true;
   deep.precision = 12;
@@ -54,7 +54,7 @@ void showJpeg(Gallery& gallery) {
        "The same picture as baseline in fewer bytes, by Huffman tables made for it."},
       {"progressive", "progressive-420-q90.jpg", progressive,
        "The same picture again, which comes into view scan by scan."},
-      {"12 bits", "twelve-bits-420-q90.jpg", deep,
+      {"12 bits", "twelve-bits-444-q90.jpg", deep,
        "Samples of 12 bits. Quality 90 has the steps it has for 8 bits, which are 16 times finer here. Few decoders "
        "read it."},
       {"lossless", "lossless.jpg", lossless,
@@ -63,6 +63,7 @@ void showJpeg(Gallery& gallery) {
   for (const auto& [name, fileName, options, comment] : rows) {
     const bool usual = options.precision == 8 && options.predictor == 0;
     const bool grey = gallery.original().channels == 1;
+    if (grey && usual && options.sampling == Sampling::s444) continue;  // as the next
     const std::string sampling = grey ? "" : options.sampling == Sampling::s444 ? " 4:4:4" : " 4:2:0";
     Exhibit exhibit;
     exhibit.family = "JPEG";

@@ -194,7 +194,7 @@ std::string sideBySide(const Exhibit& exhibit, const Gallery& gallery, Corner co
 std::string summary(const Gallery& gallery) {
   const int64_t faults = gallery.faults();
   const int32_t width = gallery.original().width, height = gallery.original().height;
-  const std::string all = format("%d x %d pixels, %.1f megapixels. ", width, height, gallery.megapixels());
+  const std::string all = format("%d x %d pixels, %.2f megapixels. ", width, height, gallery.megapixels());
   if (faults > 0) return all + format("<span class=\"wrong\">Wrong results: %d.</span>", static_cast<int>(faults));
   return all + "Every result is what it must be.";
 }
@@ -213,10 +213,11 @@ void writePage(const Gallery& gallery, const std::string& title, const std::file
   html +=
       "<h2>Sizes and speeds</h2>\n" + table(gallery) +
       "<p class=\"faint\">On one thread, in memory; MP/s are megapixels per second. The last column names a decoder "
-      "that has nothing to do with this library, the largest difference of a sample from its result, and the "
-      "largest that the formats' rounding allows. JPEG samples are compared before up-sampling and colour "
-      "conversion, those of 12 bits as pixels of 0 to 4095; colours of DXT have zeros in their lowest bits here and "
-      "repeat their highest there.</p>\n";
+      "that "
+      "has nothing to do with this library, the largest difference of a sample from its result, and the largest "
+      "that is right. JPEG of 8 bits is compared before up-sampling and colour conversion, JPEG of 12 bits in "
+      "pixels of 0 to 4095. The colours in DXT have zeros in their lowest bits here and repeat their highest there; "
+      "of YCoCg, the difference is what this does not explain. The photo core transform makes no file.</p>\n";
   html += "<h2>Side by side</h2>\n<p>" +
           format(
               "The most detailed %d x %d pixels of every picture, and %d times the difference from the original: "

@@ -93,21 +93,25 @@ Bytes encodeBc7(const Image& image) {
   return file;
 }
 
-// Pillow gives the scaled Co and Cg, the scale and Y for red, green, blue and opacity.
+// The most by which colours of DXT differ: Pillow repeats their high bits in their low bits, the library leaves these
+// 0.
+constexpr int kLowBits = 8;
+
+// Pillow gives the scaled Co and Cg, the scale and Y for red, green, blue and opacity. The verdict is on what the low
+// bits of Co and Cg do not explain.
 Verdict askPillowForYCoCg(const Gallery& gallery, const Exhibit& exhibit) {
   const auto [installed, rgba] = decodeWithPillow(gallery, exhibit.fileName);
   if (!installed) return {};
-  // Co and Cg are off by 8 each where the scale is 1, and rounded.
-  Verdict verdict{"Pillow", !rgba.empty(), 0, 17};
+  Verdict verdict{"Pillow", !rgba.empty(), 0, 1};
   const int32_t channels = exhibit.picture.channels;
   const uint8_t* ours = exhibit.picture.samples.data();
   for (size_t i = 0; i < rgba.size(); i += 4, ours += channels) {
-    const double scale = 1 + rgba[i + 2] / 8, y = rgba[i + 3];  // NOLINT(bugprone-integer-division): the scale is whole
-    const double co = (rgba[i] - 128) / scale, cg = (rgba[i + 1] - 128) / scale;
+    const int scale = 1 + rgba[i + 2] / 8, y = rgba[i + 3];
+    const double co = double(rgba[i] - 128) / scale, cg = double(rgba[i + 1] - 128) / scale;
     const double rgb[] = {y + co - cg, y + cg, y - co - cg};
     for (int32_t c = 0; c < channels; ++c) {
-      const long theirs = std::lround(std::clamp(rgb[c], 0.0, 255.0));
-      verdict.difference = std::max(verdict.difference, std::abs(ours[c] - static_cast<int>(theirs)));
+      const double difference = std::abs(ours[c] - std::clamp(rgb[c], 0.0, 255.0)) - 2.0 * kLowBits / scale;
+      verdict.difference = std::max(verdict.difference, static_cast<int>(std::lround(difference)));
     }
   }
   return verdict;
@@ -121,11 +125,11 @@ void showTextures(Gallery& gallery) {
     const char* name;
     const char* fileName;
     Format format;
-    int allowed;  // Pillow repeats the high bits of colours in their low bits, the library leaves these 0
+    int allowed;
     const char* comment;
   } rows[] = {
-      {"DXT1", "dxt1.dds", Format::dxt1, 8, "Two colours in each block of 4 x 4 pixels, and two between them."},
-      {"DXT5", "dxt5.dds", Format::dxt5, 8, "DXT1 and opacity, which this picture has no use for."},
+      {"DXT1", "dxt1.dds", Format::dxt1, kLowBits, "Two colours in each block of 4 x 4 pixels, and two between them."},
+      {"DXT5", "dxt5.dds", Format::dxt5, kLowBits, "DXT1 and opacity, which this picture has no use for."},
       {"YCoCg in DXT5", "ycocg-dxt5.dds", Format::ycocgDxt5, 0,
        "The luminance takes the better coded place of the opacity: for decoders that know."},
       {"BC7", "bc7.dds", Format::bc7, 0,
