@@ -15,16 +15,16 @@ std::string colour(size_t number) { return format("var(--c%zu)", number % kCurve
 class Drawing {
  public:
   Drawing(double leastBits, double mostBits, double leastPsnr, double mostPsnr)
-      : x_{std::floor(std::log2(leastBits)), std::ceil(std::log2(mostBits))},
-        y_{std::floor(leastPsnr / kTick) * kTick, std::ceil(mostPsnr / kTick) * kTick} {
+      : x_(std::log2(leastBits), std::log2(mostBits)), y_(leastPsnr / kTick, mostPsnr / kTick) {
     svg_ = format("<svg viewBox=\"0 0 %.0f %.0f\" role=\"img\" aria-label=\"PSNR over bits per pixel\">\n", kWidth,
                   kHeight);
-    for (double power = x_.low; power <= x_.high; ++power) {
+    for (int power = x_.low; power <= x_.high; ++power) {
       const double x = left(std::exp2(power));
       line(x, kTop, x, kHeight - kBottom);
       text(x, kHeight - kBottom + 26, "middle", format("%g", std::exp2(power)));
     }
-    for (double psnr = y_.low; psnr <= y_.high; psnr += kTick) {
+    for (int tick = y_.low; tick <= y_.high; ++tick) {
+      const double psnr = tick * kTick;
       line(kLeft, top(psnr), kWidth - kRight, top(psnr));
       text(kLeft - 8, top(psnr) + 5, "end", format("%g", psnr));
     }
@@ -48,13 +48,17 @@ class Drawing {
   std::string finished() const { return svg_ + "</svg>\n"; }
 
  private:
+  // Whole ticks around what is drawn.
   struct Range {
-    double low, high;
-    double part(double value) const { return (value - low) / std::max(high - low, 1.0); }
+    Range(double least, double most)
+        : low(static_cast<int>(std::floor(least))), high(std::max(low + 1, static_cast<int>(std::ceil(most)))) {}
+    double part(double value) const { return (value - low) / (high - low); }
+
+    int low, high;
   };
 
   double left(double bits) const { return kLeft + x_.part(std::log2(bits)) * (kWidth - kLeft - kRight); }
-  double top(double psnr) const { return kHeight - kBottom - y_.part(psnr) * (kHeight - kTop - kBottom); }
+  double top(double psnr) const { return kHeight - kBottom - y_.part(psnr / kTick) * (kHeight - kTop - kBottom); }
   void line(double x0, double y0, double x1, double y1) {
     svg_ += format("<line x1=\"%.1f\" y1=\"%.1f\" x2=\"%.1f\" y2=\"%.1f\"/>\n", x0, y0, x1, y1);
   }
