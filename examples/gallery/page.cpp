@@ -44,9 +44,9 @@ th.family { color: var(--ink); padding-top: .8rem; }
   border-top: 1px solid var(--line); }
 figure { margin: 0; }
 .cut { width: 240px; height: 240px; object-fit: contain; image-rendering: pixelated; display: block; }
-@media (max-width: 65rem) { .exhibit { grid-template-columns: repeat(2, 240px); } }
-@media (max-width: 34rem) { .exhibit { grid-template-columns: repeat(2, 160px); gap: .5rem; }
-  .cut { width: 160px; height: 160px; }
+@media (max-width: 65rem) { .exhibit { grid-template-columns: 240px minmax(240px, 1fr); } }
+@media (max-width: 34rem) { .exhibit { grid-template-columns: repeat(2, minmax(0, 160px)); gap: .5rem; }
+  .cut { width: 100%; height: auto; aspect-ratio: 1; }
   table { font-size: .9rem; }
   td:first-child { position: sticky; left: 0; background: var(--paper); white-space: normal; min-width: 8.5rem; } }
 svg { width: 100%; height: auto; max-width: 52rem; display: block; }
