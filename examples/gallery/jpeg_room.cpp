@@ -48,7 +48,7 @@ void showJpeg(Gallery& gallery) {
     const char* comment;
   } rows[] = {
       {"baseline", "baseline-444-q90.jpg", {90, Sampling::s444}, "A chroma sample for every pixel."},
-      {"baseline", "baseline-420-q90.jpg", {90, Sampling::s420}, "Four pixels share a chroma sample."},
+      {"baseline", "baseline-420-q90.jpg", {90, Sampling::s420}, "In colour, four pixels share a chroma sample."},
       {"baseline", "baseline-420-q50.jpg", {50, Sampling::s420}, "Coarser steps: blocks and ringing begin to show."},
       {"optimised", "optimised-420-q90.jpg", optimised,
        "The same picture as baseline in fewer bytes, by Huffman tables made for it."},
@@ -58,7 +58,7 @@ void showJpeg(Gallery& gallery) {
        "Samples of 12 bits. Quality 90 has the steps it has for 8 bits, which are 16 times finer here. Few decoders "
        "read it."},
       {"lossless", "lossless.jpg", lossless,
-       "Every sample predicted from its neighbours, the differences Huffman-coded; red, green and blue by themselves."},
+       "Every sample predicted from its neighbours, the differences Huffman-coded, each channel by itself."},
   };
   for (const auto& [name, fileName, options, comment] : rows) {
     const bool usual = options.precision == 8 && options.predictor == 0;
