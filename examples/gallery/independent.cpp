@@ -126,9 +126,9 @@ Verdict askDcmtk(const Gallery& gallery, const Bytes& file) {
   const std::string description = dicomText(ours, jpeg);
   write(text, {reinterpret_cast<const uint8_t*>(description.data()), description.size()});
   const int exitCode = run({"dump2dcm", text, wrapped});
-  if (exitCode == kNotThere) verdict.decoder = "";
   verdict.canRead = exitCode == 0 && run({"dcmdjpeg", wrapped, decoded}) == 0;
   for (const auto& path : {jpeg, text, wrapped}) std::filesystem::remove(path);
+  if (exitCode == kNotThere) return {};
   if (!verdict.canRead) return verdict;
 
   // The pixels end the file: little-endian, an even number of bytes.
