@@ -6,27 +6,6 @@ namespace {
 
 using Table = DecoderTable;
 
-DecoderCalls blockCalls(int count, const Table& dc, const Table& ac) {
-  return statefulCalls(
-      count,
-      [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
-        Block block;
-        block.fill(0x5A5A);
-        const StatusCode status =
-            zoriDecodeHuffman8x8_JPEG_1u16s_C1(source, length, &reader.position, block.data(), &reader.lastDc,
-                                               &reader.marker, &dc.spec, &ac.spec, &reader.state);
-        trace.insert(trace.end(), block.begin(), block.end());
-        return status;
-      },
-      [&](ModelReader& reader, Trace& trace) {
-        reference::DecodedBlock block;
-        const StatusCode status = reference::decodeBlock(reader.bits, block, reader.lastDc, dc.model, ac.model);
-        reader.lastPosition = block.lastPosition.value_or(reader.lastPosition);
-        trace.insert(trace.end(), block.coefficients, block.coefficients + 64);
-        return status;
-      });
-}
-
 struct Tables {
   Table dc;
   Table ac;
@@ -105,39 +84,8 @@ TEST(HuffmanDecoder, DirectBlocksEqualModel) {
     stream.insert(stream.end(), {0x00, 0xFF, 0xD9});
     stream.insert(stream.begin(), static_cast<size_t>(skipped) / 8, 0xFF);
 
-    const auto subject = [&](const uint8_t* source, int32_t) {
-      Trace trace;
-      int32_t bitPosition = skipped, held = prefetched, marker = 0;
-      uint32_t bits = prefetchedBits;
-      int16_t lastDc = 0;
-      for (int i = 0; i < count + 2; ++i) {
-        Block block;
-        block.fill(0x5A5A);
-        trace.push_back(zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1(source, &bitPosition, block.data(), &lastDc, &marker,
-                                                                  &bits, &held, &tables.dc.spec, &tables.ac.spec));
-        trace.insert(trace.end(), {bitPosition, held, marker, bits, lastDc});
-        trace.insert(trace.end(), block.begin(), block.end());
-      }
-      return trace;
-    };
-    const auto model = [&](const uint8_t* source, int32_t length) {
-      Trace trace;
-      reference::HuffmanReader reader(source, length);
-      reader.position = skipped / 8;
-      reader.prefetch(prefetchedBits, prefetched);
-      int16_t lastDc = 0;
-      for (int i = 0; i < count + 2; ++i) {
-        reference::DecodedBlock block;
-        StatusCode status = reference::decodeBlock(reader, block, lastDc, tables.dc.model, tables.ac.model);
-        if (block.noBitsBeforeSymbol) status = StatusOk;
-        if (block.noExtraBits) status = StatusBufferEnd;
-        trace.insert(trace.end(), {status, 8 * reader.position + skipped % 8, reader.held(), reader.marker,
-                                   reader.buffer(), lastDc});
-        trace.insert(trace.end(), block.coefficients, block.coefficients + 64);
-      }
-      return trace;
-    };
-    expectReadsEqualModel("direct, round " + std::to_string(round), stream, subject, model);
+    const DecoderCalls calls = directCalls(count + 2, skipped, prefetchedBits, prefetched, tables.dc, tables.ac);
+    expectReadsEqualModel("direct, round " + std::to_string(round), stream, calls.subject, calls.model);
   }
 }
 
@@ -156,54 +104,12 @@ TEST(HuffmanDecoder, LosslessRowsAndValuesEqualModel) {
         tables[i % static_cast<size_t>(used)].encoder.putDifference(writer, values[i]);
       }
     });
-    const HuffmanDecodeSpec* specs[4] = {&tables[0].spec, &tables[1].spec, &tables[2].spec, &tables[3].spec};
+    const DecoderCalls rows = rowCalls(4, samples, components, tables);
+    expectReadsEqualModelOnVariants("rows, round " + std::to_string(round), stream, rows.subject, rows.model, 30, 10);
 
-    const DecoderCalls rowCalls = statefulCalls(
-        4,
-        [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
-          std::vector<int16_t> rows[4];
-          int16_t* pointers[4];
-          for (size_t c = 0; c < 4; ++c) {
-            rows[c].assign(samples, 0x5A5A);
-            pointers[c] = rows[c].data();
-          }
-          const StatusCode status = zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(source, length, &reader.position, pointers,
-                                                                         static_cast<int32_t>(samples), components,
-                                                                         &reader.marker, specs, &reader.state);
-          for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
-          return status;
-        },
-        [&](ModelReader& reader, Trace& trace) {
-          std::vector<int16_t> rows[4];
-          for (auto& row : rows) row.assign(samples, 0x5A5A);
-          StatusCode status = StatusOk;
-          for (size_t i = 0; status == StatusOk && i < samples * static_cast<size_t>(used); ++i) {
-            const size_t c = i % static_cast<size_t>(used);
-            status = reference::decodeDifference(reader.bits, tables[c].model, rows[c][i / static_cast<size_t>(used)]);
-          }
-          for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
-          return status;
-        });
-    expectReadsEqualModelOnVariants("rows, round " + std::to_string(round), stream, rowCalls.subject, rowCalls.model,
-                                    30, 10);
-
-    const DecoderCalls valueCalls = statefulCalls(
-        static_cast<int>(values.size()) + 9,
-        [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
-          int16_t value = 0x5A5A;
-          const StatusCode status = zoriDecodeHuffmanOne_JPEG_1u16s_C1(source, length, &reader.position, &value,
-                                                                       &reader.marker, specs[0], &reader.state);
-          trace.push_back(value);
-          return status;
-        },
-        [&](ModelReader& reader, Trace& trace) {
-          int16_t value = 0x5A5A;
-          const StatusCode status = reference::decodeDifference(reader.bits, tables[0].model, value);
-          trace.push_back(value);
-          return status;
-        });
-    expectReadsEqualModelOnVariants("values, round " + std::to_string(round), stream, valueCalls.subject,
-                                    valueCalls.model, 20, 5);
+    const DecoderCalls single = valueCalls(static_cast<int>(values.size()) + 9, tables[0]);
+    expectReadsEqualModelOnVariants("values, round " + std::to_string(round), stream, single.subject, single.model, 20,
+                                    5);
   }
 }
 
