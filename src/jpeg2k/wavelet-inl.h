@@ -1,8 +1,8 @@
 // The rows and tiles of a wavelet transform, for any wavelet W. Included after jpeg2k/lanes-inl.h, once per target.
 //
 // W has: Sample and Working, the types of samples outside and of those in the arithmetic; kReach, how many pairs around
-// a pair it needs; Analysis and Synthesis, its lifting steps along a row, with results kLag blocks late; forwardColumns
-// and inverseColumns.
+// a pair it needs; Rows, which transforms a line; forwardColumns and inverseColumns. Where Rows is RowTransform, it
+// also has Analysis and Synthesis, its lifting steps along a row, with results kLag blocks late.
 
 HWY_BEFORE_NAMESPACE();
 namespace zorj::HWY_NAMESPACE {
