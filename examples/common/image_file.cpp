@@ -91,6 +91,10 @@ template <class To, class From>
 BasicImage<To> withPrecision(const BasicImage<From>& image, int32_t precision) {
   BasicImage<To> result(image.width, image.height, image.channels);
   result.precision = precision;
+  if (precision == image.precision) {
+    std::copy(image.samples.begin(), image.samples.end(), result.samples.begin());
+    return result;
+  }
   const int64_t from = image.largest(), to = result.largest();
   std::transform(image.samples.begin(), image.samples.end(), result.samples.begin(),
                  [=](From sample) { return static_cast<To>((sample * to + from / 2) / from); });
