@@ -26,7 +26,8 @@ def read_rows(path):
         by_the_clock = run["run_name"].endswith("/real_time")
         row, variant = run["run_name"].removesuffix("/real_time").rsplit("/", 1)
         scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}[run["time_unit"]]
-        unit = next((u for u in ("pixels", "blocks", "bytes", "differences", "samples", "MCUs") if u in run), None)
+        units = ("pixels", "blocks", "bytes", "differences", "samples", "decisions", "MCUs")
+        unit = next((u for u in units if u in run), None)
         amount = run[unit] / run["iterations"] if unit else 1.0
         entry = (run["repetition_index"], run["real_time" if by_the_clock else "cpu_time"] * scale, unit or "run", amount)
         rows.setdefault(row, {}).setdefault(variant, []).append(entry)
@@ -61,10 +62,11 @@ def machine_text():
         platform.processor(),
     )
     compiler = subprocess.run(["g++", "--version"], capture_output=True, text=True).stdout.split("\n")[0]
-    package = subprocess.run(
-        ["dpkg-query", "-W", "-f", "${Version}", "libturbojpeg0-dev"], capture_output=True, text=True
+    packages = subprocess.run(
+        ["dpkg-query", "-W", "-f", "; ${Package} ${Version}", "libturbojpeg0-dev", "libtiff-dev", "libjxr-dev"],
+        capture_output=True, text=True
     ).stdout
-    return f"{cpu}; {compiler}; libjpeg-turbo {package}; one thread unless said"
+    return f"{cpu}; {compiler}{packages}; one thread unless said"
 
 
 def table(topics):

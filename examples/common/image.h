@@ -7,14 +7,15 @@
 
 namespace examples {
 
-// Grey (1 channel), RGB (3 channels) or CMYK (4 channels, the largest value for full ink); pixels interleaved, rows
-// without padding. Samples are 0 to 2^precision - 1.
+// Grey (1 channel), RGB (3 channels) or CMYK (4 channels, the largest value for full ink), or one of the first two with
+// opacity as a channel more; pixels interleaved, rows without padding. Samples are 0 to 2^precision - 1.
 template <class Sample>
 struct BasicImage {
   int32_t width = 0;
   int32_t height = 0;
   int32_t channels = 0;
   int32_t precision = 8 * int32_t{sizeof(Sample)};
+  bool hasOpacity = false;  // in the last channel
   std::vector<Sample> samples;
 
   BasicImage() = default;

@@ -25,7 +25,8 @@ void writeScaledPng(const DeepImage& image, OutputFile& file) {
 template <class Sample>
 void write(const std::string& path, const BasicImage<Sample>& image) {
   const ImageFormat format = imageFormatOf(path);
-  if (image.channels == 4 && format != ImageFormat::pam) return write(path, cmykToRgb(image));
+  if (image.hasOpacity && format != ImageFormat::png) throw Error(path + ": opacity fits a PNG file alone");
+  if (image.channels == 4 && !image.hasOpacity && format != ImageFormat::pam) return write(path, cmykToRgb(image));
   if (format == ImageFormat::pgm && image.channels != 1) throw Error(path + ": a colour image does not fit a PGM file");
   OutputFile file(path);
   switch (format) {
@@ -43,12 +44,10 @@ void write(const std::string& path, const BasicImage<Sample>& image) {
   file.commit();
 }
 
-}  // namespace
-
-DeepImage readDeepImage(const std::string& path) {
+DeepImage readAny(const std::string& path, Opacity opacity) {
   const std::vector<uint8_t> bytes = readFile(path);
   try {
-    if (isPng(bytes)) return readPng(bytes);
+    if (isPng(bytes)) return readPng(bytes, opacity);
     if (isPnm(bytes)) return readPnm(bytes);
   } catch (const Error& error) {
     throw Error(path + ": " + error.what());
@@ -56,7 +55,10 @@ DeepImage readDeepImage(const std::string& path) {
   throw Error(path + ": neither a PNG nor a binary PGM, PPM or PAM file");
 }
 
-Image readImage(const std::string& path) { return withPrecision<uint8_t>(readDeepImage(path), 8); }
+}  // namespace
+
+Image readImage(const std::string& path, Opacity opacity) { return withPrecision<uint8_t>(readAny(path, opacity), 8); }
+DeepImage readDeepImage(const std::string& path) { return readAny(path, Opacity::overWhite); }
 
 ImageFormat imageFormatOf(const std::string& path) {
   std::string extension = std::filesystem::path(path).extension().string();
@@ -91,6 +93,7 @@ template <class To, class From>
 BasicImage<To> withPrecision(const BasicImage<From>& image, int32_t precision) {
   BasicImage<To> result(image.width, image.height, image.channels);
   result.precision = precision;
+  result.hasOpacity = image.hasOpacity;
   if (precision == image.precision) {
     std::copy(image.samples.begin(), image.samples.end(), result.samples.begin());
     return result;

@@ -82,12 +82,18 @@ bool readPixels(png_structp png, png_infop info, Input& input, DeepImage& image,
 }
 
 template <class Sample>
+int colourType(const BasicImage<Sample>& image) {
+  return (image.channels < 3 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB) |
+         (image.hasOpacity ? PNG_COLOR_MASK_ALPHA : 0);
+}
+
+template <class Sample>
 bool writePixels(png_structp png, png_infop info, OutputFile& file, const BasicImage<Sample>& image) {
   if (setjmp(png_jmpbuf(png))) return false;  // NOLINT(cert-err52-cpp): it is libpng's way
   png_init_io(png, file.stream());
   png_set_IHDR(png, info, static_cast<png_uint_32>(image.width), static_cast<png_uint_32>(image.height),
-               image.precision, image.channels == 1 ? PNG_COLOR_TYPE_GRAY : PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
-               PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+               image.precision, colourType(image), PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+               PNG_FILTER_TYPE_DEFAULT);
   png_set_compression_level(png, 3);
   png_write_info(png, info);
   if (sizeof(Sample) == 2 && isLittleEndian()) png_set_swap(png);
@@ -100,7 +106,7 @@ bool writePixels(png_structp png, png_infop info, OutputFile& file, const BasicI
 
 bool isPng(std::span<const uint8_t> bytes) { return bytes.size() >= 8 && png_sig_cmp(bytes.data(), 0, 8) == 0; }
 
-DeepImage readPng(std::span<const uint8_t> bytes) {
+DeepImage readPng(std::span<const uint8_t> bytes, Opacity opacity) {
   Message message;
   png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &message, keepMessage, ignoreWarning);
   if (!png) throw Error("libpng could not start");
@@ -120,7 +126,8 @@ DeepImage readPng(std::span<const uint8_t> bytes) {
   if (image.precision == 8) {
     for (uint16_t& sample : image.samples) sample >>= 8;
   }
-  return image.channels % 2 == 0 ? overWhite(image) : image;
+  image.hasOpacity = image.channels % 2 == 0;
+  return image.hasOpacity && opacity == Opacity::overWhite ? overWhite(image) : image;
 }
 
 template <class Sample>

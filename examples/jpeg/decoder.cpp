@@ -140,10 +140,11 @@ DecodeReport decodeLosslessPixels(MarkerReader& reader, BasicImage<Sample>& imag
   image.reshape(frame.width, frame.height, static_cast<int32_t>(frame.components.size()));
   image.precision = frame.precision;
   std::fill(image.samples.begin(), image.samples.end(), middleGrey<Sample>(frame));
+  const int32_t largest = image.largest();
   return decodeLossless(reader, [&](size_t c, int32_t y, std::span<const int16_t> samples, int32_t dropped) {
     Sample* to = image.at(0, y) + c;
     for (const int16_t sample : samples) {
-      *to = static_cast<Sample>(sample << dropped);
+      *to = static_cast<Sample>(sample << dropped & largest);
       to += image.channels;
     }
   });
@@ -156,9 +157,10 @@ DecodeReport decodeLosslessPlanes(MarkerReader& reader, std::vector<SamplePlane>
     plane.samples.assign(size_t(plane.width) * size_t(plane.height), middleGrey<uint16_t>(frame));
     planes.push_back(std::move(plane));
   }
+  const int32_t largest = (1 << frame.precision) - 1;
   return decodeLossless(reader, [&](size_t c, int32_t y, std::span<const int16_t> samples, int32_t dropped) {
     std::transform(samples.begin(), samples.end(), &planes[c].samples[size_t(y) * size_t(planes[c].width)],
-                   [=](int16_t sample) { return static_cast<uint16_t>(sample << dropped); });
+                   [=](int16_t sample) { return static_cast<uint16_t>(sample << dropped & largest); });
   });
 }
 

@@ -50,7 +50,8 @@ typedef struct HuffmanDecodeState HuffmanDecodeState;
 
 /**
  * Makes the best list of codes of at most 16 bits for given frequencies (T.81 K.2; of equally rare symbols the one with
- * the highest number comes first). Symbols that occur more than 1,000,000,000 times are left out.
+ * the highest number comes first). Symbols that occur more than 1,000,000,000 times are left out. Where all together
+ * occur more often than that, the list may be one that zoriEncodeHuffmanSpecInit_JPEG_8u refuses.
  *
  * @param pStatistics How often each of the 256 symbols occurs, as unsigned numbers.
  * @param pBits Receives the number of codes of each length from 1 to 16 (16 bytes).

@@ -7,6 +7,9 @@
 
 namespace zorj {
 
+// As a length: only a marker tells where the source ends.
+inline constexpr int32_t kNoLength = INT32_MAX;
+
 // Where a decoder reads, and where it notes the marker that ends the segment.
 struct SourceBytes {
   const uint8_t* bytes;
@@ -95,7 +98,10 @@ class BitReader {
   // False if one of the next four bytes is unusual or missing, or nothing is to be read.
   [[gnu::always_inline]] bool refillAtOnce() {
     if (source_.marker != 0 || source_.length - source_.position < 4 || bitCount_ >= 25) return false;
-    const uint32_t word = loadBigEndian32(source_.bytes + source_.position);
+    const uint8_t* const next = source_.bytes + source_.position;
+    // Two bytes are there in any case, and the two behind them unless a marker begins in these.
+    if (source_.length == kNoLength && (next[0] == 0xFF || next[1] == 0xFF)) return false;
+    const uint32_t word = loadBigEndian32(next);
     if (hasByteFF(word)) return false;
     const int32_t bytes = (32 - bitCount_) / 8;
     bitBuffer_ = static_cast<uint32_t>(uint64_t{bitBuffer_} << 8 * bytes | word >> (32 - 8 * bytes));

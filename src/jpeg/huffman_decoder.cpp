@@ -148,8 +148,7 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pS
   HuffmanDecodeState state = {};
   state.bitBuffer = *pPrefetchedBits;
   state.bitCount = *pPrefetchedCount;
-  // The caller vouches for the end: no byte position that a bit position can name reaches this length.
-  BitReader reader({pSrc, INT32_MAX, *pSrcBitPosition >> 3, *pMarker}, state);
+  BitReader reader({pSrc, kNoLength, *pSrcBitPosition >> 3, *pMarker}, state);
   const BlockResult result = decodeBlock(reader, pDst, *pLastDC, *pDcSpec, *pAcSpec, state.lastPosition);
   int32_t position = 0;
   reader.finish(position, *pMarker, state);

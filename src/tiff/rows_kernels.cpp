@@ -144,60 +144,67 @@ struct Progress {
 };
 
 #if ZORJ_SIMD
-// Unpacks packets while kShort bytes can be read and written. A packet of up to so many is written as that many; what
-// that destroys behind it was saved before, and is put back at the end. Literals and replicates go apart, although they
-// do much the same: photographs and pages alternate between them, so a guess is right more often than a choice by
-// arithmetic is quick.
+// Bytes of the row as they were before packets were unpacked there. Its functions are not inlined, for the sake of the
+// loop that seldom calls them.
+struct Saved {
+  static constexpr ptrdiff_t kSize = 4096;
+  uint8_t bytes[kSize];
+
+  HWY_NOINLINE void take(const uint8_t* row, ptrdiff_t from, ptrdiff_t end) {
+    std::memcpy(bytes, row + from, static_cast<size_t>(std::min(kSize, end - from)));
+  }
+  HWY_NOINLINE void putBack(uint8_t* row, ptrdiff_t from, ptrdiff_t savedFrom, ptrdiff_t end) const {
+    if (end > from) std::memcpy(row + from, bytes + (from - savedFrom), static_cast<size_t>(end - from));
+  }
+};
+
+// Stores a packet of up to `shortest` bytes as that many, and one of up to `longest`, twice that, as what it is.
+template <ptrdiff_t shortest, ptrdiff_t longest, size_t lanes, class StoreVector>
+HWY_INLINE void storePacket(ptrdiff_t count, const StoreVector& storeVector) {
+  constexpr auto kStep = static_cast<ptrdiff_t>(lanes);
+  for (ptrdiff_t i = 0; i < shortest; i += kStep) storeVector(i);
+  if (count <= shortest) return;
+  for (ptrdiff_t i = count - (longest - shortest); i < count; i += kStep) storeVector(i);
+}
+
+// Unpacks packets of up to `longest` bytes while so many can be read and written. What the short ones destroy behind
+// them was saved before, and is put back at the end. Literals and replicates go apart, although they do much the same:
+// photographs and pages alternate between them, so a guess is right more often than a choice by arithmetic is quick.
+template <ptrdiff_t shortest, ptrdiff_t longest>
 HWY_INLINE Progress unpackVectors(const uint8_t* packets, ptrdiff_t length, uint8_t* row, ptrdiff_t rowLength,
                                   Progress progress) {
-  const Bytes d;
-  constexpr ptrdiff_t kShort = std::max<ptrdiff_t>(kLanes, 32), kSaved = 512 + kShort;
-  uint8_t saved[kSaved];
+  const hn::CappedTag<uint8_t, shortest> d;
+  constexpr size_t kStep = hn::MaxLanes(d);
+  Saved saved;
   ptrdiff_t at = progress.at, written = progress.written;
-  ptrdiff_t savedFrom = written - kSaved, dirtyEnd = written;
-  const auto putBack = [&]() HWY_ATTR {
-    if (dirtyEnd > written) {
-      std::memcpy(row + written, saved + (written - savedFrom), static_cast<size_t>(dirtyEnd - written));
-    }
-  };
-  const auto save = [&]() HWY_ATTR {
-    if (written + kShort <= savedFrom + kSaved) return;
-    putBack();
-    savedFrom = written;
-    std::memcpy(saved, row + written, static_cast<size_t>(std::min(kSaved, rowLength - written)));
-  };
-  while (length - at > kShort && rowLength - written >= kShort) {
+  ptrdiff_t savedFrom = written - Saved::kSize, dirtyEnd = written;
+  while (length - at > longest && rowLength - written >= longest) {
     const int header = packets[at];
-    const uint8_t* const from = packets + at + 1;
-    if (header < kNoOperation) {
-      const ptrdiff_t count = header + 1;
-      if (count <= kShort) {
-        save();
-        for (ptrdiff_t i = 0; i < kShort; i += kLanes) hn::StoreU(hn::LoadU(d, from + i), d, row + written + i);
-        dirtyEnd = written + kShort;
-      } else {
-        if (at + 1 + count > length || written + count > rowLength) break;
-        copyLiteral(row + written, from, count);
+    const bool literal = header < kNoOperation;
+    const ptrdiff_t count = literal ? header + 1 : 257 - header;
+    if (count > longest) break;
+    if (count <= shortest) {
+      if (written + shortest > savedFrom + Saved::kSize) {
+        saved.putBack(row, written, savedFrom, dirtyEnd);
+        saved.take(row, written, rowLength);
+        savedFrom = written;
       }
-      at += 1 + count;
-      written += count;
-    } else {
-      const ptrdiff_t count = 257 - header;
-      const auto repeated = hn::Set(d, *from);
-      if (count <= kShort) {
-        save();
-        for (ptrdiff_t i = 0; i < kShort; i += kLanes) hn::StoreU(repeated, d, row + written + i);
-        dirtyEnd = written + kShort;
-      } else {
-        if (header == kNoOperation || written + count > rowLength) break;
-        for (ptrdiff_t i = 0; i < count - kLanes; i += kLanes) hn::StoreU(repeated, d, row + written + i);
-        hn::StoreU(repeated, d, row + written + count - kLanes);
-      }
-      at += 2;
-      written += count;
+      dirtyEnd = written + shortest;
     }
+    const uint8_t* const from = packets + at + 1;
+    uint8_t* const to = row + written;
+    if (literal) {
+      storePacket<shortest, longest, kStep>(
+          count, [=](ptrdiff_t i) HWY_ATTR { hn::StoreU(hn::LoadU(d, from + i), d, to + i); });
+      at += 1 + count;
+    } else {
+      const auto repeated = hn::Set(d, *from);
+      storePacket<shortest, longest, kStep>(count, [=](ptrdiff_t i) HWY_ATTR { hn::StoreU(repeated, d, to + i); });
+      at += 2;
+    }
+    written += count;
   }
-  putBack();
+  saved.putBack(row, written, savedFrom, dirtyEnd);
   return {at, written};
 }
 #endif
@@ -207,7 +214,8 @@ StatusCode unpack(const uint8_t* packets, int32_t* position, int32_t length, uin
   auto& [at, written] = progress;
   for (;;) {
 #if ZORJ_SIMD
-    progress = unpackVectors(packets, length, row, rowLength, progress);
+    progress = unpackVectors<kLongest / 2, kLongest>(packets, length, row, rowLength, progress);
+    progress = unpackVectors<32, 32>(packets, length, row, rowLength, progress);
 #endif
     if (written == rowLength || at >= length) break;
     const int header = packets[at++];

@@ -1,67 +1,15 @@
 // The program zorjpeg: exit codes, messages of one line, and no half-written files.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-
-#include "common/files.h"
-#include "common/image_file.h"
-#include "interop/pictures.h"
+#include "interop/program_test.h"
 
 namespace interop {
 namespace {
 
-namespace fs = std::filesystem;
-
-class Command : public testing::Test {
+class ZorjpegCommand : public ProgramTest {
  protected:
-  void SetUp() override {
-    directory_ = fs::path(testing::TempDir()) /
-                 ("zorjpeg_" + std::string(testing::UnitTest::GetInstance()->current_test_info()->name()));
-    fs::remove_all(directory_);
-    fs::create_directories(directory_);
-    examples::writeImage(path("in.png"), picture(70, 50, 3));
-    examples::writeImage(path("grey.pgm"), picture(70, 50, 1));
-  }
-  void TearDown() override { fs::remove_all(directory_); }
-
-  std::string path(const std::string& name) const { return (directory_ / name).string(); }
-
-  int run(const std::string& arguments) {
-    const std::string line = "cd '" + directory_.string() + "' && " ZORJPEG_PROGRAM " " + arguments + " >out 2>err";
-    const int status = std::system(line.c_str());
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-  std::string message() const {
-    const std::vector<uint8_t> bytes = examples::readFile(path("err"));
-    return {bytes.begin(), bytes.end()};
-  }
-
-  void write(const std::string& name, std::span<const uint8_t> bytes) {
-    examples::OutputFile file(path(name));
-    file.write(bytes);
-    file.commit();
-  }
-
-  // Fails with this exit code, one line that says this, and no file but those there before.
-  void expectFailure(const std::string& arguments, int code, const std::string& says) {
-    const auto files = [&] { return std::distance(fs::directory_iterator(directory_), fs::directory_iterator()); };
-    run("--help");
-    const auto before = files();
-    EXPECT_EQ(run(arguments), code) << arguments;
-    const std::string text = message();
-    EXPECT_NE(text.find(says), std::string::npos) << arguments << ": " << text;
-    EXPECT_EQ(text.rfind("zorjpeg: ", 0), 0u) << text;
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
-    EXPECT_EQ(files(), before) << arguments;
-  }
-
-  fs::path directory_;
+  ZorjpegCommand() : ProgramTest(ZORJPEG_PROGRAM) {}
 };
 
-TEST_F(Command, EncodesAndDecodes) {
+TEST_F(ZorjpegCommand, EncodesAndDecodes) {
   for (const char* sampling : {"444", "422", "420", "411"}) {
     ASSERT_EQ(run(std::string("encode in.png a.jpg --quality 95 --restart 3 --sampling ") + sampling), 0) << message();
     for (const char* name : {"b.png", "b.ppm"}) {
@@ -78,7 +26,7 @@ TEST_F(Command, EncodesAndDecodes) {
   EXPECT_EQ(examples::readImage(path("b.ppm")).channels, 3);
 }
 
-TEST_F(Command, DecodesAsAsked) {
+TEST_F(ZorjpegCommand, DecodesAsAsked) {
   ASSERT_EQ(run("encode in.png a.jpg --sampling 420 --restart 2"), 0) << message();
   const auto decoded = [&](const std::string& options) {
     EXPECT_EQ(run("decode a.jpg b.ppm " + options), 0) << options << ": " << message();
@@ -93,7 +41,7 @@ TEST_F(Command, DecodesAsAsked) {
   EXPECT_EQ(decoded("--scale 1/8").height, 7);
 }
 
-TEST_F(Command, CodesCmyk) {
+TEST_F(ZorjpegCommand, CodesCmyk) {
   const Image cmyk = picture(70, 50, 4);
   examples::writeImage(path("in.pam"), cmyk);
   for (const char* options : {"", "--sampling 420", "--no-conversion"}) {
@@ -106,7 +54,7 @@ TEST_F(Command, CodesCmyk) {
   }
 }
 
-TEST_F(Command, RefusesBadCommandLines) {
+TEST_F(ZorjpegCommand, RefusesBadCommandLines) {
   for (const char* arguments :
        {"", "encode", "encode in.png", "transmogrify in.png a.jpg", "encode in.png a.jpg --quality 0",
         "encode in.png a.jpg --quality 101", "encode in.png a.jpg --quality good", "encode in.png a.jpg --sampling 410",
@@ -119,7 +67,7 @@ TEST_F(Command, RefusesBadCommandLines) {
   EXPECT_EQ(message(), "");
 }
 
-TEST_F(Command, RefusesBadFiles) {
+TEST_F(ZorjpegCommand, RefusesBadFiles) {
   ASSERT_EQ(run("encode in.png good.jpg"), 0);
   const std::vector<uint8_t> good = examples::readFile(path("good.jpg"));
   write("empty", {});
@@ -136,7 +84,7 @@ TEST_F(Command, RefusesBadFiles) {
   expectFailure("decode good.jpg no/such/b.png", 1, "cannot be written");
 }
 
-TEST_F(Command, SaysWhatIsMissing) {
+TEST_F(ZorjpegCommand, SaysWhatIsMissing) {
   ASSERT_EQ(run("encode in.png good.jpg"), 0);
   const std::vector<uint8_t> good = examples::readFile(path("good.jpg"));
   write("half.jpg", std::span(good).first(good.size() - 1000));
@@ -146,7 +94,7 @@ TEST_F(Command, SaysWhatIsMissing) {
   EXPECT_EQ(examples::readImage(path("b.png")).height, 50);
 }
 
-TEST_F(Command, ReplacesFilesAndWritesToDevices) {
+TEST_F(ZorjpegCommand, ReplacesFilesAndWritesToDevices) {
   write("old.jpg", std::vector<uint8_t>(10));
   fs::create_symlink("old.jpg", directory_ / "link.jpg");
   EXPECT_EQ(run("encode in.png link.jpg"), 0);

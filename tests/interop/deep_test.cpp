@@ -8,15 +8,6 @@ namespace {
 
 using examples::DeepImage;
 
-DeepImage deepPicture(int32_t width, int32_t height, int32_t channels, int32_t precision) {
-  DeepImage image = examples::withPrecision<uint16_t>(picture(width, height, channels), precision);
-  Random random(static_cast<uint64_t>(precision));
-  // The low bits of a scaled picture would say nothing.
-  for (uint16_t& sample : image.samples)
-    sample ^= static_cast<uint16_t>(random.next() & 3u & unsigned(image.largest()));
-  return image;
-}
-
 double worstDifference(const DeepImage& a, const DeepImage& b) {
   int32_t worst = 0;
   for (size_t i = 0; i < a.samples.size(); ++i) worst = std::max(worst, std::abs(a.samples[i] - b.samples[i]));

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "common/image.h"
+#include "common/image_file.h"
 #include "support/random.h"
 
 namespace interop {
@@ -27,6 +27,15 @@ inline Image picture(int32_t width, int32_t height, int32_t channels, uint64_t s
       }
     }
   }
+  return image;
+}
+
+inline DeepImage deepPicture(int32_t width, int32_t height, int32_t channels, int32_t precision) {
+  DeepImage image = examples::withPrecision<uint16_t>(picture(width, height, channels), precision);
+  Random random(static_cast<uint64_t>(precision));
+  // The low bits of a scaled picture would say nothing.
+  for (uint16_t& sample : image.samples)
+    sample ^= static_cast<uint16_t>(random.next() & 3u & unsigned(image.largest()));
   return image;
 }
 
