@@ -30,107 +30,95 @@ void clearBlock(int16_t* block) {
   for (; i < kBlockSize; ++i) storeUnaligned(block + i, int16_t{0});
 }
 
-enum class Progress { kGoesOn, kBlockEnds, kLongCode, kDeclined };
+// A code with its symbol is an entry of a table: (length << 16) | symbol, 0 if it is none of the lengths looked for.
+HWY_INLINE uint32_t lengthOf(uint32_t entry) { return entry >> 16; }
+HWY_INLINE uint32_t categoryOf(uint32_t entry) { return entry & 15; }
 
-// The AC coefficients of a block, one symbol at a time.
-struct AcDecoder {
-  BitWindow& window;
-  const HuffmanDecodeSpec& spec;
-  int16_t* block;
-  const TableEntry* shortCodes = spec.fastLookup;
-  size_t position = 1;
-
-  // The extra bits of a coefficient after `run` zeros. Runs beyond the block are left to the careful path.
-  HWY_INLINE Progress takeCoefficient(uint32_t run, uint32_t size) {
-    const size_t at = position + run;
-    const int32_t value = window.takeExtraBits(size);
-    if (at >= kBlockSize - 1) [[unlikely]] {
-      if (at >= kBlockSize) return Progress::kDeclined;
-      storeUnaligned(block + kBlockSize - 1, static_cast<int16_t>(value));
-      position = kBlockSize;
-      return Progress::kBlockEnds;
-    }
-    storeUnaligned(block + kNaturalOrder[at], static_cast<int16_t>(value));
-    position = at + 1;
-    return Progress::kGoesOn;
+// Consumes the next code, of any length.
+HWY_INLINE uint32_t takeCode(BitWindow& window, const HuffmanDecodeSpec& spec) {
+  uint32_t entry = window.peek(spec.fastLookup);
+  if (entry != 0) [[likely]] {
+    window.consumeShort(lengthOf(entry));
+  } else {
+    entry = window.peekLong(spec);
+    if (entry != 0) window.consumeLong(lengthOf(entry));
   }
-
-  // The other symbols.
-  HWY_INLINE Progress takeRun(uint32_t symbol) {
-    if (symbol != 0xF0) return Progress::kBlockEnds;
-    position += 16;
-    return position < kBlockSize ? Progress::kGoesOn : Progress::kBlockEnds;
-  }
-
-  // A symbol whose code is short.
-  HWY_INLINE Progress stepShort() {
-    const BitWindow::Code code = window.peekShort(shortCodes);
-    const uint32_t size = code.symbol & 15;
-    if (size != 0) [[likely]] {
-      window.consumeShort(code);
-      return takeCoefficient(code.symbol >> 4, size);
-    }
-    if (code.length == 0) return Progress::kLongCode;
-    window.consumeShort(code);
-    return takeRun(code.symbol);
-  }
-
-  HWY_INLINE Progress stepLong() {
-    const BitWindow::Code code = window.peekLong(spec);
-    if (code.length == 0) return Progress::kDeclined;
-    window.consumeLong(code);
-    const uint32_t size = code.symbol & 15;
-    return size != 0 ? takeCoefficient(code.symbol >> 4, size) : takeRun(code.symbol);
-  }
-};
-
-bool decodeBlock(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state, int16_t* block,
-                 int16_t& lastDc, const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec) {
-  BitWindow window(source, length, position, state);
-  clearBlock(block);
-  if (!window.refill()) return false;
-  const BitWindow::Code code = window.takeCode(dcSpec);
-  if (code.length == 0) return false;
-  const uint32_t size = code.symbol & 15;
-  const int16_t dc = static_cast<int16_t>(lastDc + (size != 0 ? window.takeExtraBits(size) : 0));
-  storeUnaligned(block, dc);
-
-  AcDecoder ac{window, acSpec, block};
-  Progress progress = Progress::kGoesOn;
-  while (progress == Progress::kGoesOn) {
-    if (!window.refill()) return false;
-    // A full window is enough for two short codes with their extra bits, or for a long one.
-    progress = ac.stepShort();
-    if (progress == Progress::kGoesOn) {
-      progress = ac.stepShort();
-      if (progress == Progress::kLongCode) progress = Progress::kGoesOn;
-    } else if (progress == Progress::kLongCode) {
-      progress = ac.stepLong();
-    }
-  }
-  if (progress == Progress::kDeclined || !window.commit(source, position, state)) return false;
-  lastDc = dc;
-  state.lastPosition = static_cast<int32_t>(ac.position);
-  return true;
+  return entry;
 }
 
-int64_t decodeDifferences(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state,
-                          int16_t* const rows[], int64_t count, int32_t components,
-                          const HuffmanDecodeSpec* const specs[]) {
-  BitWindow window(source, length, position, state);
+const uint8_t* decodeBlock(const uint8_t* next, const uint8_t* end, HuffmanDecodeState& state, int16_t* block,
+                           const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec) {
+  BitWindow window(next, end, state);
+  if (!window.refill()) return nullptr;
+  uint32_t entry = takeCode(window, dcSpec);
+  if (entry == 0) return nullptr;
+  clearBlock(block);
+  storeUnaligned(block, static_cast<int16_t>(window.takeExtraBits(categoryOf(entry))));
+
+  size_t position = 1;
+  // Takes the extra bits of a coefficient. False at the end of the block or beyond.
+  const auto takeCoefficient = [&]() HWY_ATTR __attribute__((always_inline)) {
+    const size_t at = position + (entry >> 4 & 15);
+    const int32_t value = window.takeExtraBits(categoryOf(entry));
+    position = at + 1;
+    if (at >= kBlockSize) [[unlikely]]
+      return false;
+    storeUnaligned(block + kNaturalOrder[at], static_cast<int16_t>(value));
+    return at < kBlockSize - 1;
+  };
+
+  const TableEntry* const shortCodes = acSpec.fastLookup;
+  entry = window.peek(shortCodes);
+  for (;;) {
+    // A full window is enough for two short codes with their extra bits and the next short code, or for a long one.
+    if (!window.refill()) return nullptr;
+    if (categoryOf(entry) != 0) [[likely]] {
+      window.consumeShort(lengthOf(entry));
+      if (!takeCoefficient()) break;
+      entry = window.peek(shortCodes);
+      if (categoryOf(entry) != 0) [[likely]] {
+        window.consumeShort(lengthOf(entry));
+        if (!takeCoefficient()) break;
+        entry = window.peek(shortCodes);
+        continue;
+      }
+    }
+    if (entry == 0) {
+      if (!window.refill()) return nullptr;
+      entry = window.peekLong(acSpec);
+      if (entry == 0) return nullptr;
+      window.consumeLong(lengthOf(entry));
+      if (categoryOf(entry) != 0) {
+        if (!takeCoefficient()) break;
+        entry = window.peek(shortCodes);
+        continue;
+      }
+    } else {
+      window.consumeShort(lengthOf(entry));
+    }
+    if ((entry & 0xFF) != kZeroRun16) break;
+    position += 16;
+    if (position >= kBlockSize) break;
+    entry = window.peek(shortCodes);
+  }
+  if (position > kBlockSize && (entry & 0xFF) != kZeroRun16) return nullptr;
+  const uint8_t* const following = window.finish(next, state);
+  if (following) [[likely]]
+    state.lastPosition = static_cast<int32_t>(position);
+  return following;
+}
+
+Differences decodeDifferences(const uint8_t* next, const uint8_t* end, HuffmanDecodeState& state, int16_t* const rows[],
+                              int64_t count, int32_t components, const HuffmanDecodeSpec* const specs[]) {
+  BitWindow window(next, end, state);
   int64_t done = 0;
   int32_t component = 0;
   ptrdiff_t sample = 0;
   for (; done < count && window.refill(); ++done) {
-    const HuffmanDecodeSpec& spec = *specs[component];
-    const BitWindow::Code code = window.takeCode(spec);
-    if (code.length == 0) break;
-    int32_t value = 0;
-    if (code.symbol - 1 < 15) {
-      value = window.takeExtraBits(code.symbol);
-    } else if (code.symbol != 0) {
-      value = -32768;
-    }
+    const uint32_t entry = takeCode(window, *specs[component]);
+    if (entry == 0) break;
+    const uint32_t category = entry & 0xFF;
+    const int32_t value = category < 16 ? window.takeExtraBits(category) : -32768;
     storeUnaligned(rows[component] + sample, static_cast<int16_t>(value));
     if (++component == components) {
       component = 0;
@@ -138,7 +126,8 @@ int64_t decodeDifferences(const uint8_t* source, int32_t length, int32_t& positi
     }
   }
   // A full window before each of them leaves no more than BitReader would have read as well.
-  return window.commit(source, position, state) ? done : 0;
+  const uint8_t* const following = window.finish(next, state);
+  return following ? Differences{done, following} : Differences{0, next};
 }
 
 constexpr HuffmanDecodeKernels kernels = {&decodeBlock, &decodeDifferences};
