@@ -142,10 +142,14 @@ DecodeReport decodeLosslessPixels(MarkerReader& reader, BasicImage<Sample>& imag
   std::fill(image.samples.begin(), image.samples.end(), middleGrey<Sample>(frame));
   const int32_t largest = image.largest();
   return decodeLossless(reader, [&](size_t c, int32_t y, std::span<const int16_t> samples, int32_t dropped) {
-    Sample* to = image.at(0, y) + c;
-    for (const int16_t sample : samples) {
-      *to = static_cast<Sample>(sample << dropped & largest);
-      to += image.channels;
+    Sample* const to = image.at(0, y) + c;
+    const auto put = [&](auto channels) {
+      for (size_t x = 0; x < samples.size(); ++x) to[x * channels] = static_cast<Sample>(samples[x] << dropped & largest);
+    };
+    if (image.channels == 3) {
+      put(std::integral_constant<size_t, 3>());
+    } else {
+      put(static_cast<size_t>(image.channels));
     }
   });
 }

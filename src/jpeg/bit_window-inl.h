@@ -29,8 +29,10 @@ class BitWindow {
     return true;
   }
 
-  // Of up to 8 bits; `lookup` is the table's fastLookup.
-  HWY_INLINE uint32_t peek(const TableEntry* lookup) const { return std::bit_cast<uint32_t>(lookup[bits_ >> 56]); }
+  HWY_INLINE size_t peekByte() const { return static_cast<size_t>(bits_ >> 56); }
+  // The entry of the next code, which is (length << 16) | symbol, or 0 if it is none of the lengths looked for. Of up
+  // to 8 bits; `lookup` is the table's fastLookup.
+  HWY_INLINE uint32_t peek(const TableEntry* lookup) const { return std::bit_cast<uint32_t>(lookup[peekByte()]); }
   // Of 9 to 16 bits.
   HWY_INLINE uint32_t peekLong(const HuffmanDecodeSpec& spec) const {
     return findLongCode(spec, static_cast<uint32_t>(bits_ >> 48));
@@ -50,12 +52,33 @@ class BitWindow {
   }
   // The value of category `size`, 0 to 15, from its extra bits.
   HWY_INLINE int32_t takeExtraBits(uint32_t size) {
-    const auto bits = static_cast<uint32_t>(bits_ >> 1 >> (63 - size));
-    // Signs cannot be predicted: a mask instead of a branch.
-    const auto negative = static_cast<uint32_t>(static_cast<int64_t>(~bits_) >> 63);
+    const int32_t value = peekExtraBits(0, size);
     require(static_cast<ptrdiff_t>(size));
     consume(size);
+    return value;
+  }
+  // The same behind `skipped` bits, without consuming it.
+  HWY_INLINE int32_t peekExtraBits(uint32_t skipped, uint32_t size) const {
+    const uint64_t next = bits_ << skipped;
+    const auto bits = static_cast<uint32_t>(next >> 1 >> (63 - size));
+    // Signs cannot be predicted: a mask instead of a branch.
+    const auto negative = static_cast<uint32_t>(static_cast<int64_t>(~next) >> 63);
     return static_cast<int32_t>(bits - (negative & ((1u << size) - 1)));
+  }
+  // Two short codes with their extra bits, `bits` of them: the second code begins at `second`, the extra bits at
+  // `firstExtra` and `secondExtra`.
+  HWY_INLINE void consumePair(uint32_t firstExtra, uint32_t second, uint32_t secondExtra, uint32_t bits) {
+    // BitReader fills its buffer once at most: at the first of these places where it holds too few.
+    const ptrdiff_t before = ahead_;
+    requireIf(before, secondExtra, bits);
+    requireIf(before, second, second + kFastBits);
+    requireIf(before, firstExtra, second);
+    requireIf(before, 0, kFastBits);
+    consume(bits);
+  }
+  HWY_INLINE void consume(uint32_t count) {
+    bits_ <<= count;
+    count_ -= static_cast<ptrdiff_t>(count);
   }
 
   // Leaves behind what BitReader would. Returns where it would read on; null if that takes bytes which are not there.
@@ -74,15 +97,19 @@ class BitWindow {
   }
 
  private:
-  HWY_INLINE void consume(uint32_t count) {
-    bits_ <<= count;
-    count_ -= static_cast<ptrdiff_t>(count);
+  // BitReader fills its buffer to 25 to 32 bits where it holds fewer than it needs.
+  HWY_INLINE void require(ptrdiff_t needed) { require(needed, count_); }
+  // The same when the window holds so many bits.
+  HWY_INLINE void require(ptrdiff_t needed, ptrdiff_t count) {
+    const ptrdiff_t aheadOfFilled = (count - 25) & ~ptrdiff_t{7};
+    ahead_ = ahead_ > count - needed ? aheadOfFilled : ahead_;
   }
 
-  // BitReader fills its buffer to 25 to 32 bits where it holds fewer than it needs.
-  HWY_INLINE void require(ptrdiff_t needed) {
-    const ptrdiff_t aheadOfFilled = (count_ - 25) & ~ptrdiff_t{7};
-    ahead_ = ahead_ > count_ - needed ? aheadOfFilled : ahead_;
+  // The same where so many bits are consumed, with what was `ahead` then; `needed` is counted from here.
+  HWY_INLINE void requireIf(ptrdiff_t ahead, uint32_t consumed, uint32_t needed) {
+    ptrdiff_t aheadOfFilled = (count_ - static_cast<ptrdiff_t>(consumed) - 25) & ~ptrdiff_t{7};
+    __asm__("" : "+r"(aheadOfFilled));  // computed in any case: GCC else makes a branch of it, which is hard to predict
+    ahead_ = ahead > count_ - static_cast<ptrdiff_t>(needed) ? aheadOfFilled : ahead_;
   }
 
   // The last place before the next 0xFF or the end from which eight bytes can be read; before `next` if there is none.
@@ -129,8 +156,13 @@ class BitWindow {
     if (ahead_ < 0) return nullptr;
     const uint64_t bytesAhead = bits_ >> 1 >> (63 - count_) & ((uint64_t{1} << ahead_) - 1);
     const uint8_t* const next = next_ - (ahead_ >> 3) - countBytesFF(bytesAhead);
-    state.bitBuffer = appendBytes(state.bitBuffer, start, next);
     state.reserved = next == start ? state.reserved : 0;
+    // Of many bytes the last ones are enough.
+    if (next - start > 8) {
+      start = next - 8;
+      start += start[-1] == 0xFF;
+    }
+    state.bitBuffer = appendBytes(state.bitBuffer, start, next);
     state.bitCount = static_cast<int32_t>(count_ - ahead_);
     return next;
   }

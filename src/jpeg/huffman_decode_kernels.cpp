@@ -4,7 +4,7 @@
 
 #include "core/isa.h"
 #include "core/unaligned.h"
-#include "jpeg/big_endian.h"
+#include "jpeg/bit_reader.h"
 #include "jpeg/zigzag.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -108,22 +108,159 @@ const uint8_t* decodeBlock(const uint8_t* next, const uint8_t* end, HuffmanDecod
   return following;
 }
 
+// By the next byte: the difference that it tells whole, if it does, and the code of the one behind it.
+class PairTable {
+ public:
+  struct Pair {
+    uint64_t fields;
+
+    HWY_INLINE bool isNone() const { return fields == 0; }
+    HWY_INLINE uint32_t bits() const { return field<0>() & 63; }  // of both
+    // Of the difference that is told whole; 0 if there is none.
+    HWY_INLINE uint32_t toldLength() const { return field<1>(); }
+    HWY_INLINE uint32_t toldBits() const { return field<2>(); }  // with its extra bits
+    HWY_INLINE int16_t told() const { return static_cast<int16_t>(fields >> 48); }
+    // Of the other one.
+    HWY_INLINE uint32_t extraBitsAt() const { return field<3>(); }
+    HWY_INLINE uint32_t category() const { return field<4>(); }
+    HWY_INLINE size_t count() const { return field<5>(); }
+
+   private:
+    template <int byte>
+    HWY_INLINE uint32_t field() const {
+      return static_cast<uint8_t>(fields >> 8 * byte);
+    }
+  };
+
+  explicit PairTable(const HuffmanDecodeSpec& spec) {
+    for (uint32_t bits = 0; bits < kSize; ++bits) pairs_[bits] = pairAt(spec.fastLookup, bits);
+  }
+  HWY_INLINE Pair operator[](size_t bits) const { return {pairs_[bits]}; }
+
+ private:
+  static constexpr uint32_t kSize = 1 << kFastBits;
+
+  // Whether the second code is known follows no pattern: masks, no branches.
+  static HWY_INLINE uint64_t pairAt(const TableEntry* lookup, uint32_t bits) {
+    const TableEntry first = lookup[bits];
+    if (first.length == 0 || first.value > 15) return 0;
+    const uint32_t category = first.value, told = first.length + category;
+    const uint64_t alone = fieldsOf(0, 0, 0, first.length, category, 1);
+    if (told >= kFastBits) return alone;
+    const TableEntry second = lookup[bits << told & 0xFF];
+    const uint32_t extraBits = bits >> (kFastBits - told) & ((1u << category) - 1);
+    const uint32_t negative = (2 * extraBits >> category) - 1;
+    const auto value = static_cast<uint16_t>(extraBits - (negative & ((1u << category) - 1)));
+    const uint64_t both = fieldsOf(value, first.length, told, told + second.length, second.value, 2);
+    const bool isKnown = (second.length != 0) & (second.length <= kFastBits - told) & (second.value < 16);
+    return alone ^ ((alone ^ both) & -uint64_t{isKnown});
+  }
+  static HWY_INLINE uint64_t fieldsOf(uint16_t told, uint32_t toldLength, uint32_t toldBits, uint32_t extraBitsAt,
+                                      uint32_t category, uint64_t count) {
+    return uint64_t{told} << 48 | count << 40 | uint64_t{category} << 32 | extraBitsAt << 24 | toldBits << 16 |
+           toldLength << 8 | (extraBitsAt + category);
+  }
+
+  uint64_t pairs_[kSize];
+};
+
+// Decodes `count` differences or one more. Returns how many it did; fewer at a long code, or when the window is empty.
+HWY_INLINE ptrdiff_t decodePairs(BitWindow& window, const PairTable& table, int16_t* differences, ptrdiff_t count) {
+  int16_t* to = differences;
+  const int16_t* const end = differences + count;
+  while (to < end && window.refill()) {
+    // A full window is enough for two pairs.
+    for (int i = 0; i < 2; ++i) {
+      const PairTable::Pair pair = table[window.peekByte()];
+      if (pair.isNone()) [[unlikely]]
+        return to - differences;
+      to[0] = pair.told();
+      to[pair.count() - 1] = static_cast<int16_t>(window.peekExtraBits(pair.extraBitsAt(), pair.category()));
+      to += pair.count();
+      window.consumePair(pair.toldLength(), pair.toldBits(), pair.extraBitsAt(), pair.bits());
+      if (to >= end) break;
+    }
+  }
+  return to - differences;
+}
+
+// Where the differences of a row go.
+class RowWriter {
+ public:
+  HWY_INLINE RowWriter(int16_t* const rows[], int32_t components) : rows_(rows), components_(components) {}
+
+  HWY_INLINE void put(int16_t difference) {
+    storeUnaligned(rows_[component_] + sample_, difference);
+    if (++component_ == components_) {
+      component_ = 0;
+      ++sample_;
+    }
+  }
+  HWY_INLINE void put(const int16_t* differences, ptrdiff_t count) {
+    ptrdiff_t i = 0;
+    for (; component_ != 0 && i < count; ++i) put(differences[i]);
+#if ZORJ_SIMD
+    const hn::Full128<int16_t> d;
+    constexpr ptrdiff_t kLanes = 8;
+    if (components_ == 3) {
+      for (; i + 3 * kLanes <= count; i += 3 * kLanes, sample_ += kLanes) {
+        hn::Vec128<int16_t> first, second, third;
+        hn::LoadInterleaved3(d, differences + i, first, second, third);
+        hn::StoreU(first, d, rows_[0] + sample_);
+        hn::StoreU(second, d, rows_[1] + sample_);
+        hn::StoreU(third, d, rows_[2] + sample_);
+      }
+    }
+#endif
+    for (; i < count; ++i) put(differences[i]);
+  }
+
+ private:
+  int16_t* const* rows_;
+  int32_t components_;
+  int32_t component_ = 0;
+  ptrdiff_t sample_ = 0;
+};
+
+bool useOneTable(const HuffmanDecodeSpec* const specs[], int32_t components) {
+  for (int32_t c = 1; c < components; ++c) {
+    if (specs[c] != specs[0]) return false;
+  }
+  return true;
+}
+
 Differences decodeDifferences(const uint8_t* next, const uint8_t* end, HuffmanDecodeState& state, int16_t* const rows[],
                               int64_t count, int32_t components, const HuffmanDecodeSpec* const specs[]) {
   BitWindow window(next, end, state);
+  RowWriter writer(rows, components);
   int64_t done = 0;
-  int32_t component = 0;
-  ptrdiff_t sample = 0;
+  constexpr int64_t kWorthTable = 500;
+  if (count >= kWorthTable && useOneTable(specs, components)) {
+    const PairTable table(*specs[0]);
+    // After a pair, which may be just its first difference, BitReader needs to have the beginning of another code.
+    constexpr ptrdiff_t kRun = 240;
+    int16_t differences[kRun + 1];
+    while (count - done > kRun + 1) {
+      const ptrdiff_t decoded = decodePairs(window, table, differences, kRun);
+      writer.put(differences, decoded);
+      done += decoded;
+      if (decoded >= kRun) continue;
+      // What a pair cannot be.
+      if (!window.refill()) break;
+      const uint32_t entry = takeCode(window, *specs[0]);
+      if (entry == 0) break;
+      const uint32_t category = entry & 0xFF;
+      writer.put(static_cast<int16_t>(category < 16 ? window.takeExtraBits(category) : -32768));
+      ++done;
+    }
+  }
+  int32_t component = static_cast<int32_t>(done % components);
   for (; done < count && window.refill(); ++done) {
     const uint32_t entry = takeCode(window, *specs[component]);
     if (entry == 0) break;
     const uint32_t category = entry & 0xFF;
-    const int32_t value = category < 16 ? window.takeExtraBits(category) : -32768;
-    storeUnaligned(rows[component] + sample, static_cast<int16_t>(value));
-    if (++component == components) {
-      component = 0;
-      ++sample;
-    }
+    writer.put(static_cast<int16_t>(category < 16 ? window.takeExtraBits(category) : -32768));
+    if (++component == components) component = 0;
   }
   // A full window before each of them leaves no more than BitReader would have read as well.
   const uint8_t* const following = window.finish(next, state);
