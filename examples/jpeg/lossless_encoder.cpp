@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdlib>
-#include <functional>
 #include <limits>
 #include <span>
 
@@ -51,23 +49,27 @@ std::vector<int16_t> differencesOf(const BasicImage<Sample>& image, const Frame&
   return differences;
 }
 
-// What zoriGetHuffmanStatisticsOne_JPEG_16s_C1 counts, without a call for each. Neighbours are often of one category:
-// counters taken in turn need not wait for one another.
-SymbolCounts countSymbols(const std::vector<int16_t>& differences) {
-  constexpr size_t kTurns = 4;
-  SymbolCounts counts[kTurns] = {};
-  const auto count = [&](size_t i, size_t turn) {
-    ++counts[turn][static_cast<size_t>(std::bit_width(static_cast<uint32_t>(std::abs(differences[i]))))];
-  };
+// What zoriGetHuffmanStatisticsOne_JPEG_16s_C1 counts, without a call for each: first how often there is each
+// difference, of which few are common.
+SymbolCounts countSymbols(const std::vector<int16_t>& differences, int32_t precision) {
+  // The predictions of some predictors go beyond the samples' range on both sides.
+  const int32_t bits = std::min(precision + 3, 16);
+  const size_t mask = (size_t{1} << bits) - 1;
+  // Neighbours are often the same: counters taken in turn need not wait for one another.
+  std::vector<int32_t> even(mask + 1), odd(mask + 1);
   size_t i = 0;
-  for (; i + kTurns <= differences.size(); i += kTurns) {
-    for (size_t turn = 0; turn < kTurns; ++turn) count(i + turn, turn);
+  for (; i + 2 <= differences.size(); i += 2) {
+    ++even[static_cast<size_t>(differences[i]) & mask];
+    ++odd[static_cast<size_t>(differences[i + 1]) & mask];
   }
-  for (; i < differences.size(); ++i) count(i, 0);
-  for (size_t turn = 1; turn < kTurns; ++turn) {
-    std::transform(counts[0].begin(), counts[0].end(), counts[turn].begin(), counts[0].begin(), std::plus());
+  if (i < differences.size()) ++even[static_cast<size_t>(differences[i]) & mask];
+
+  SymbolCounts counts{};
+  for (size_t low = 0; low <= mask; ++low) {
+    const int32_t magnitude = std::min(static_cast<int32_t>(low), static_cast<int32_t>(mask + 1 - low));
+    counts[static_cast<size_t>(std::bit_width(static_cast<uint32_t>(magnitude)))] += even[low] + odd[low];
   }
-  return counts[0];
+  return counts;
 }
 
 // All components with the same table, interleaved.
@@ -134,7 +136,7 @@ void encodeLossless(const BasicImage<Sample>& image, const Frame& frame, const E
   const int32_t rowsPerSegment = options.restartInterval / image.width;
   const Prediction prediction{options.predictor, image.precision, options.pointTransform};
   const std::vector<int16_t> differences = differencesOf(image, frame, prediction, rowsPerSegment);
-  const OptimalLists lists(countSymbols(differences));
+  const OptimalLists lists(countSymbols(differences, image.precision));
 
   jpeg.clear();
   writeHeaders(frame, {}, options.restartInterval, jpeg);

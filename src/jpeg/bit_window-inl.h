@@ -65,14 +65,13 @@ class BitWindow {
     const auto negative = static_cast<uint32_t>(static_cast<int64_t>(~next) >> 63);
     return static_cast<int32_t>(bits - (negative & ((1u << size) - 1)));
   }
-  // Two short codes with their extra bits, `bits` of them: the second code begins at `second`, the extra bits at
-  // `firstExtra` and `secondExtra`.
-  HWY_INLINE void consumePair(uint32_t firstExtra, uint32_t second, uint32_t secondExtra, uint32_t bits) {
+  // Two short codes with their extra bits, `bits` of them: the second code begins at `second`, less than 8, and its
+  // extra bits at `extraBitsAt`.
+  HWY_INLINE void consumePair(uint32_t second, uint32_t extraBitsAt, uint32_t bits) {
     // BitReader fills its buffer once at most: at the first of these places where it holds too few.
     const ptrdiff_t before = ahead_;
-    requireIf(before, secondExtra, bits);
+    requireIf(before, extraBitsAt, bits);
     requireIf(before, second, second + kFastBits);
-    requireIf(before, firstExtra, second);
     requireIf(before, 0, kFastBits);
     consume(bits);
   }

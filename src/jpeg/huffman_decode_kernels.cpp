@@ -116,14 +116,13 @@ class PairTable {
 
     HWY_INLINE bool isNone() const { return fields == 0; }
     HWY_INLINE uint32_t bits() const { return field<0>() & 63; }  // of both
-    // Of the difference that is told whole; 0 if there is none.
-    HWY_INLINE uint32_t toldLength() const { return field<1>(); }
-    HWY_INLINE uint32_t toldBits() const { return field<2>(); }  // with its extra bits
+    HWY_INLINE size_t count() const { return field<1>(); }
+    // The difference that is told whole, and its bits; 0 if there is none.
     HWY_INLINE int16_t told() const { return static_cast<int16_t>(fields >> 48); }
+    HWY_INLINE uint32_t toldBits() const { return field<2>(); }
     // Of the other one.
     HWY_INLINE uint32_t extraBitsAt() const { return field<3>(); }
     HWY_INLINE uint32_t category() const { return field<4>(); }
-    HWY_INLINE size_t count() const { return field<5>(); }
 
    private:
     template <int byte>
@@ -145,20 +144,20 @@ class PairTable {
     const TableEntry first = lookup[bits];
     if (first.length == 0 || first.value > 15) return 0;
     const uint32_t category = first.value, told = first.length + category;
-    const uint64_t alone = fieldsOf(0, 0, 0, first.length, category, 1);
+    const uint64_t alone = fieldsOf(1, 0, 0, first.length, category);
     if (told >= kFastBits) return alone;
     const TableEntry second = lookup[bits << told & 0xFF];
     const uint32_t extraBits = bits >> (kFastBits - told) & ((1u << category) - 1);
     const uint32_t negative = (2 * extraBits >> category) - 1;
     const auto value = static_cast<uint16_t>(extraBits - (negative & ((1u << category) - 1)));
-    const uint64_t both = fieldsOf(value, first.length, told, told + second.length, second.value, 2);
+    const uint64_t both = fieldsOf(2, value, told, told + second.length, second.value);
     const bool isKnown = (second.length != 0) & (second.length <= kFastBits - told) & (second.value < 16);
     return alone ^ ((alone ^ both) & -uint64_t{isKnown});
   }
-  static HWY_INLINE uint64_t fieldsOf(uint16_t told, uint32_t toldLength, uint32_t toldBits, uint32_t extraBitsAt,
-                                      uint32_t category, uint64_t count) {
-    return uint64_t{told} << 48 | count << 40 | uint64_t{category} << 32 | extraBitsAt << 24 | toldBits << 16 |
-           toldLength << 8 | (extraBitsAt + category);
+  static HWY_INLINE uint64_t fieldsOf(uint32_t count, uint16_t told, uint32_t toldBits, uint32_t extraBitsAt,
+                                      uint32_t category) {
+    return uint64_t{told} << 48 | uint64_t{category} << 32 | extraBitsAt << 24 | toldBits << 16 | count << 8 |
+           (extraBitsAt + category);
   }
 
   uint64_t pairs_[kSize];
@@ -177,7 +176,7 @@ HWY_INLINE ptrdiff_t decodePairs(BitWindow& window, const PairTable& table, int1
       to[0] = pair.told();
       to[pair.count() - 1] = static_cast<int16_t>(window.peekExtraBits(pair.extraBitsAt(), pair.category()));
       to += pair.count();
-      window.consumePair(pair.toldLength(), pair.toldBits(), pair.extraBitsAt(), pair.bits());
+      window.consumePair(pair.toldBits(), pair.extraBitsAt(), pair.bits());
       if (to >= end) break;
     }
   }
