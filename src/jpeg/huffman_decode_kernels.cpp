@@ -228,37 +228,40 @@ bool useOneTable(const HuffmanDecodeSpec* const specs[], int32_t components) {
   return true;
 }
 
+// The next difference; false if the window is empty or no code matches.
+HWY_INLINE bool takeDifference(BitWindow& window, const HuffmanDecodeSpec& spec, int16_t& difference) {
+  if (!window.refill()) return false;
+  const uint32_t entry = takeCode(window, spec);
+  const uint32_t category = entry & 0xFF;
+  difference = static_cast<int16_t>(category < 16 ? window.takeExtraBits(category) : -32768);
+  return entry != 0;
+}
+
 Differences decodeDifferences(const uint8_t* next, const uint8_t* end, HuffmanDecodeState& state, int16_t* const rows[],
                               int64_t count, int32_t components, const HuffmanDecodeSpec* const specs[]) {
   BitWindow window(next, end, state);
   RowWriter writer(rows, components);
   int64_t done = 0;
+  int16_t difference = 0;
   constexpr int64_t kWorthTable = 500;
   if (count >= kWorthTable && useOneTable(specs, components)) {
     const PairTable table(*specs[0]);
-    // After a pair, which may be just its first difference, BitReader needs to have the beginning of another code.
     constexpr ptrdiff_t kRun = 240;
     int16_t differences[kRun + 1];
-    while (count - done > kRun + 1) {
-      const ptrdiff_t decoded = decodePairs(window, table, differences, kRun);
+    while (count - done > 1) {
+      const ptrdiff_t run = HWY_MIN(kRun, static_cast<ptrdiff_t>(count - done - 1));
+      const ptrdiff_t decoded = decodePairs(window, table, differences, run);
       writer.put(differences, decoded);
       done += decoded;
-      if (decoded >= kRun) continue;
-      // What a pair cannot be.
-      if (!window.refill()) break;
-      const uint32_t entry = takeCode(window, *specs[0]);
-      if (entry == 0) break;
-      const uint32_t category = entry & 0xFF;
-      writer.put(static_cast<int16_t>(category < 16 ? window.takeExtraBits(category) : -32768));
+      if (decoded >= run) continue;
+      if (!takeDifference(window, *specs[0], difference)) break;
+      writer.put(difference);
       ++done;
     }
   }
   int32_t component = static_cast<int32_t>(done % components);
-  for (; done < count && window.refill(); ++done) {
-    const uint32_t entry = takeCode(window, *specs[component]);
-    if (entry == 0) break;
-    const uint32_t category = entry & 0xFF;
-    writer.put(static_cast<int16_t>(category < 16 ? window.takeExtraBits(category) : -32768));
+  for (; done < count && takeDifference(window, *specs[component], difference); ++done) {
+    writer.put(difference);
     if (++component == components) component = 0;
   }
   // A full window before each of them leaves no more than BitReader would have read as well.

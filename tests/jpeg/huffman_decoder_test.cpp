@@ -141,59 +141,67 @@ TEST(HuffmanDecoder, DirectBlocksEqualModel) {
   }
 }
 
+using FourTables = std::array<const Table*, 4>;
+
+DecoderCalls rowCalls(int32_t samples, int32_t components, const FourTables& tables) {
+  const auto used = static_cast<size_t>(std::min(components, 4));
+  const auto length = static_cast<size_t>(samples);
+  return statefulCalls(
+      4,
+      [=](const uint8_t* source, int32_t sourceLength, SubjectReader& reader, Trace& trace) {
+        std::vector<int16_t> rows[4];
+        int16_t* pointers[4];
+        const HuffmanDecodeSpec* specs[4];
+        for (size_t c = 0; c < 4; ++c) {
+          rows[c].assign(length, 0x5A5A);
+          pointers[c] = rows[c].data();
+          specs[c] = &tables[c]->spec;
+        }
+        const StatusCode status =
+            zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(source, sourceLength, &reader.position, pointers, samples, components,
+                                                 &reader.marker, specs, &reader.state);
+        for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
+        return status;
+      },
+      [=](ModelReader& reader, Trace& trace) {
+        std::vector<int16_t> rows[4];
+        for (auto& row : rows) row.assign(length, 0x5A5A);
+        StatusCode status = StatusOk;
+        for (size_t i = 0; status == StatusOk && i < length * used; ++i) {
+          status = reference::decodeDifference(reader.bits, tables[i % used]->model, rows[i % used][i / used]);
+        }
+        for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
+        return status;
+      });
+}
+
+Bytes streamOfDifferences(const std::vector<int16_t>& values, int32_t components, const FourTables& tables) {
+  const auto used = static_cast<size_t>(std::min(components, 4));
+  return streamOf([&](reference::HuffmanWriter& writer) {
+    for (size_t i = 0; i < values.size(); ++i) tables[i % used]->encoder.putDifference(writer, values[i]);
+  });
+}
+
 TEST(HuffmanDecoder, LosslessRowsAndValuesEqualModel) {
   Random random(4);
   for (int round = 0; round < 40; ++round) {
-    const int32_t components = static_cast<int32_t>(random.between(1, 6));  // four of them are used
-    const int32_t used = std::min(components, 4);
-    const auto samples = static_cast<size_t>(random.between(1, round % 5 == 0 ? 700 : 30));
+    const auto components = static_cast<int32_t>(random.between(1, 6));  // four of them are used
+    const auto samples = static_cast<int32_t>(random.between(1, round % 5 == 0 ? 150 : 30));
     std::vector<Table> tables;
     for (int c = 0; c < 4; ++c) tables.emplace_back(randomLists(random, firstSymbols(round % 6 == 5 ? 256 : 17)));
-    const auto tableOf = [&](size_t c) -> const Table& { return tables[round % 2 == 0 ? 0 : c]; };
-    std::vector<int16_t> values(samples * 2 * static_cast<size_t>(used));
+    const FourTables all = {&tables[0], &tables[1], &tables[2], &tables[3]};
+    std::vector<int16_t> values(static_cast<size_t>(samples * 2 * std::min(components, 4)));
     fillSamples(values.data(), values.size(), random, round % 3 == 0 ? 2 : round);
-    const Bytes stream = streamOf([&](reference::HuffmanWriter& writer) {
-      for (size_t i = 0; i < values.size(); ++i) {
-        tableOf(i % static_cast<size_t>(used)).encoder.putDifference(writer, values[i]);
-      }
-    });
-    const HuffmanDecodeSpec* specs[4] = {&tableOf(0).spec, &tableOf(1).spec, &tableOf(2).spec, &tableOf(3).spec};
-
-    const DecoderCalls rowCalls = statefulCalls(
-        4,
-        [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
-          std::vector<int16_t> rows[4];
-          int16_t* pointers[4];
-          for (size_t c = 0; c < 4; ++c) {
-            rows[c].assign(samples, 0x5A5A);
-            pointers[c] = rows[c].data();
-          }
-          const StatusCode status = zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(source, length, &reader.position, pointers,
-                                                                         static_cast<int32_t>(samples), components,
-                                                                         &reader.marker, specs, &reader.state);
-          for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
-          return status;
-        },
-        [&](ModelReader& reader, Trace& trace) {
-          std::vector<int16_t> rows[4];
-          for (auto& row : rows) row.assign(samples, 0x5A5A);
-          StatusCode status = StatusOk;
-          for (size_t i = 0; status == StatusOk && i < samples * static_cast<size_t>(used); ++i) {
-            const size_t c = i % static_cast<size_t>(used);
-            status = reference::decodeDifference(reader.bits, tableOf(c).model, rows[c][i / static_cast<size_t>(used)]);
-          }
-          for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
-          return status;
-        });
-    expectReadsEqualModelOnVariants("rows, round " + std::to_string(round), stream, rowCalls.subject, rowCalls.model,
-                                    30, 10);
+    const Bytes stream = streamOfDifferences(values, components, all);
+    const DecoderCalls calls = rowCalls(samples, components, all);
+    expectReadsEqualModelOnVariants("rows, round " + std::to_string(round), stream, calls.subject, calls.model, 30, 10);
 
     const DecoderCalls valueCalls = statefulCalls(
-        static_cast<int>(std::min<size_t>(values.size(), 300)) + 9,
+        static_cast<int>(values.size()) + 9,
         [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
           int16_t value = 0x5A5A;
           const StatusCode status = zoriDecodeHuffmanOne_JPEG_1u16s_C1(source, length, &reader.position, &value,
-                                                                       &reader.marker, specs[0], &reader.state);
+                                                                       &reader.marker, &tables[0].spec, &reader.state);
           trace.push_back(value);
           return status;
         },
@@ -205,6 +213,26 @@ TEST(HuffmanDecoder, LosslessRowsAndValuesEqualModel) {
         });
     expectReadsEqualModelOnVariants("values, round " + std::to_string(round), stream, valueCalls.subject,
                                     valueCalls.model, 20, 5);
+  }
+}
+
+// Rows long enough for differences to be decoded two at a time, ending anywhere.
+TEST(HuffmanDecoder, LongLosslessRowsOfOneTableEqualModel) {
+  Random random(5);
+  for (int round = 0; round < 60; ++round) {
+    const auto components = static_cast<int32_t>(random.between(1, 4));
+    const auto samples = static_cast<int32_t>(random.between(500, 800)) / components + 1;
+    const Table table(round % 3 == 0 ? randomLists(random, firstSymbols(17)) : typicalDcLists());
+    const FourTables tables = {&table, &table, &table, &table};
+    std::vector<int16_t> values(static_cast<size_t>(samples * components * 3));
+    const int64_t largest = round % 2 == 0 ? 3 : 20;
+    for (int16_t& value : values) {
+      value = static_cast<int16_t>(random.between(-largest, largest) * (random.oneIn(50) ? 100 : 1));
+    }
+    const Bytes stream = streamOfDifferences(values, components, tables);
+    const DecoderCalls calls = rowCalls(samples, components, tables);
+    expectReadsEqualModelOnVariants("long rows, round " + std::to_string(round), stream, calls.subject, calls.model, 0,
+                                    3);
   }
 }
 
