@@ -144,7 +144,8 @@ DecodeReport decodeLosslessPixels(MarkerReader& reader, BasicImage<Sample>& imag
   return decodeLossless(reader, [&](size_t c, int32_t y, std::span<const int16_t> samples, int32_t dropped) {
     Sample* const to = image.at(0, y) + c;
     const auto put = [&](auto channels) {
-      for (size_t x = 0; x < samples.size(); ++x) to[x * channels] = static_cast<Sample>(samples[x] << dropped & largest);
+      for (size_t x = 0; x < samples.size(); ++x)
+        to[x * channels] = static_cast<Sample>(samples[x] << dropped & largest);
     };
     if (image.channels == 3) {
       put(std::integral_constant<size_t, 3>());
