@@ -24,6 +24,22 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   target_compile_definitions(zorj_library_options INTERFACE "HWY_BROKEN_TARGETS=(HWY_AVX3|HWY_AVX3_DL)")
 endif()
 
+
+# The same bytes wherever the source lies: no path of this machine in the libraries or their debug information.
+target_compile_options(zorj_library_options INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+                                                      -ffile-prefix-map=${CMAKE_BINARY_DIR}=./build)
+if(WIN32)
+  target_link_options(zorj_library_options INTERFACE -Wl,--no-insert-timestamp,--dynamicbase,--nxcompat)
+else()
+  target_link_options(zorj_library_options INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack,-z,separate-code -Wl,--as-needed)
+endif()
+
+# Hardening that costs nothing in the kernels; the sanitizers bring their own checks.
+if(NOT WIN32 AND NOT ZORJ_SANITIZE)
+  target_compile_options(zorj_library_options INTERFACE -fstack-protector-strong -fstack-clash-protection -fcf-protection
+                                                        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+endif()
+
 # OpenMP for the row-parallel loops. By the compiler's flag rather than by FindOpenMP's library paths, which would link
 # the DLL of it on Windows although everything else there is static.
 add_library(zorj_openmp INTERFACE)

@@ -1,7 +1,10 @@
 #!/usr/bin/env python3
-"""Lists the functions that the public headers declare: name, bytes of arguments on 32-bit x86, and arguments.
+"""Lists what the public headers declare, for tests and for bindings to other languages.
 
 usage: exports.py [--json] [INCLUDE_DIR]
+
+Plain output has a line for each function: name, bytes of arguments on 32-bit x86, arguments. The JSON, which
+tools/exports.json keeps, is described in docs/bindings.md.
 """
 
 import json
@@ -10,38 +13,128 @@ import re
 import sys
 
 DECLARATION = re.compile(r"ZORJ_API\s+(?P<result>[\w\s*]+?)\s*ZORJ_CALL\s+(?P<name>\w+)\s*\((?P<arguments>[^;]*)\)\s*;")
+LAST_COMMENT = re.compile(r"/\*\*((?:(?!\*/).)*)\*/\s*$", re.DOTALL)
 COMMENT = re.compile(r"/\*.*?\*/", re.DOTALL)
+ENUMERATION = re.compile(r"typedef enum (\w+) \{(.*?)\}", re.DOTALL)
+RECORD = re.compile(r"typedef struct (\w+) \{(.*?)\}", re.DOTALL)
+OPAQUE = re.compile(r"typedef struct (\w+) \1;")
+ARGUMENT = re.compile(r"(?P<const>const )?(?P<type>\w+)(?P<stars>\**) (?:const )?(?P<name>\w+)(?:\[(?P<count>\d*)\])?$")
 
 
-def argument_bytes(argument):
+def enumerations(code):
+    found = {}
+    for match in ENUMERATION.finditer(code):
+        items = (item.split("=") for item in match[2].split(",") if item.strip())
+        found[match[1]] = {name.strip(): int(value, 0) for name, value in items}
+    return found
+
+
+def records(code):
+    found = {}
+    for match in RECORD.finditer(code):
+        fields = [re.match(r"(.*[ *])(\w+)(\[\d+\])?$", field.strip()) for field in match[2].split(";") if field.strip()]
+        found[match[1]] = [{"name": field[2], "type": field[1].strip() + (field[3] or "")} for field in fields]
+    return found
+
+
+def argument_kind(parsed, interface):
+    """What an argument is: see docs/bindings.md."""
+    depth, is_array = len(parsed["stars"]), parsed["count"] is not None
+    if is_array:
+        return "pointers" if depth else "values"
+    if depth == 0:
+        if parsed["type"] in interface["records"]:
+            return "record"
+        return "step" if re.search(r"[sS]tep$", parsed["name"]) else "value"
+    if depth == 2:
+        return "created"
+    return "object" if parsed["type"] in interface["opaque"] else "pointer"
+
+
+def describe_argument(declaration, interface):
+    parsed = ARGUMENT.match(declaration.replace("* const* const ", "** ").replace("* const ", "* "))
+    if not parsed:
+        raise ValueError(f"cannot read the argument '{declaration}'")
+    kind = argument_kind(parsed, interface)
+    argument = {"name": parsed["name"], "kind": kind, "type": parsed["type"], "declaration": declaration}
+    if kind not in ("record", "step", "value"):
+        argument["access"] = "read" if parsed["const"] else "write"
+    if parsed["count"]:
+        argument["count"] = int(parsed["count"])
+    return argument
+
+
+def argument_bytes(argument, interface):
     """Bytes of an argument on the 32-bit stack."""
-    return 8 if argument.startswith("RoiSize") else 4
+    return 4 * len(interface["records"][argument["type"]]) if argument["kind"] == "record" else 4
+
+
+def add_functions(interface, header, text):
+    for match in DECLARATION.finditer(text):
+        declarations = [" ".join(argument.split()) for argument in match["arguments"].split(",")]
+        arguments = [describe_argument(d, interface) for d in declarations if d != "void"]
+        documentation = LAST_COMMENT.search(text, 0, match.start())
+        for argument in arguments:
+            said = re.search(rf"@param {argument['name']}\b([^@]*)", documentation[1])
+            if said and "may be null" in said[1].lower():
+                argument["nullable"] = True
+        interface["functions"].append(
+            {
+                "name": match["name"],
+                "header": header,
+                "result": match["result"],
+                "argumentBytes": sum(argument_bytes(argument, interface) for argument in arguments),
+                "arguments": arguments,
+            }
+        )
+
+
+def read_headers(include_dir):
+    include_dir = pathlib.Path(include_dir)
+    texts = {path.relative_to(include_dir).as_posix(): path.read_text() for path in sorted(include_dir.rglob("*.h"))}
+    code = COMMENT.sub("", "\n".join(texts.values()))
+    interface = {
+        "enumerations": enumerations(code),
+        "records": records(code),
+        "opaque": sorted(OPAQUE.findall(code)),
+        "functions": [],
+    }
+    for header, text in texts.items():
+        add_functions(interface, header, text)
+    interface["functions"].sort(key=lambda function: function["name"])
+    return interface
+
+
+def to_json(interface):
+    """JSON with a line for each function, enumeration and record."""
+
+    def lines(entries):
+        return ",\n  ".join(entries)
+
+    def members(mapping):
+        return lines(f"{json.dumps(key)}: {json.dumps(value)}" for key, value in mapping.items())
+
+    return (
+        f'{{\n "enumerations": {{\n  {members(interface["enumerations"])}\n }},\n'
+        f' "records": {{\n  {members(interface["records"])}\n }},\n'
+        f' "opaque": {json.dumps(interface["opaque"])},\n'
+        f' "functions": [\n  {lines(map(json.dumps, interface["functions"]))}\n ]\n}}\n'
+    )
 
 
 def exports(include_dir):
-    found = []
-    for header in sorted(pathlib.Path(include_dir).rglob("*.h")):
-        for match in DECLARATION.finditer(COMMENT.sub("", header.read_text())):
-            arguments = [" ".join(a.split()) for a in match["arguments"].split(",") if a.strip() != "void"]
-            found.append(
-                {
-                    "name": match["name"],
-                    "result": match["result"],
-                    "arguments": arguments,
-                    "argumentBytes": sum(map(argument_bytes, arguments)),
-                }
-            )
-    return sorted(found, key=lambda export: export["name"])
+    return read_headers(include_dir)["functions"]
 
 
 def main():
-    arguments = [a for a in sys.argv[1:] if a != "--json"]
-    found = exports(arguments[0] if arguments else pathlib.Path(__file__).parent.parent / "include")
+    directories = [a for a in sys.argv[1:] if a != "--json"]
+    interface = read_headers(directories[0] if directories else pathlib.Path(__file__).parent.parent / "include")
     if "--json" in sys.argv:
-        print(json.dumps(found, indent=1))
+        sys.stdout.write(to_json(interface))
         return
-    for export in found:
-        print(export["name"], export["argumentBytes"], ", ".join(export["arguments"]), sep="\t")
+    for function in interface["functions"]:
+        declarations = ", ".join(argument["declaration"] for argument in function["arguments"])
+        print(function["name"], function["argumentBytes"], declarations, sep="\t")
 
 
 if __name__ == "__main__":

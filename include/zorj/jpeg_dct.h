@@ -46,7 +46,7 @@ extern "C" {
  * 50 leaves the table as it is; 100 and above make every step 1.
  * @param pQuantRawTable  64 steps, in any order.
  * @param qualityFactor   From 1; there is no upper limit.
- * Checks: null pointer (StatusNullPointer); qualityFactor below 1 (StatusBadArgument).
+ * @return StatusNullPointer for a null pointer; then StatusBadArgument for a quality below 1.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriQuantFwdRawTableInit_JPEG_8u(uint8_t* pQuantRawTable, int32_t qualityFactor);
 
@@ -54,8 +54,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriQuantFwdRawTableInit_JPEG_8u(uint8_t* pQuantRa
  * Makes the forward working table of a raw table: 32768 / q rounded to nearest, in natural order.
  * @param pQuantRawTable   64 steps in zig-zag order.
  * @param pQuantFwdTable   64 entries; all of them are written even if a step is 0.
- * Checks: either pointer null (StatusNullPointer). Returns the warning StatusDivideByZero if a step is 0; its entry
- * is 65535 then.
+ * @return StatusNullPointer for a null pointer; the warning StatusDivideByZero if a step is 0, whose entry is 65535
+ *         then.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriQuantFwdTableInit_JPEG_8u16u(const uint8_t* pQuantRawTable, uint16_t* pQuantFwdTable);
 
@@ -63,7 +63,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriQuantFwdTableInit_JPEG_8u16u(const uint8_t* pQ
  * Makes the inverse working table of a raw table: the same steps in natural order, widened.
  * @param pQuantRawTable   64 steps in zig-zag order; 0 is allowed.
  * @param pQuantInvTable   64 entries.
- * Checks: either pointer null (StatusNullPointer).
+ * @return StatusNullPointer for a null pointer.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriQuantInvTableInit_JPEG_8u16u(const uint8_t* pQuantRawTable, uint16_t* pQuantInvTable);
 
@@ -73,7 +73,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriQuantInvTableInit_JPEG_8u16u(const uint8_t* pQ
  * The quantisation inside zoriDCTQuantFwd8x8_JPEG_16s_C1 is another, more exact one.
  * @param pSrcDst          64 coefficients.
  * @param pQuantFwdTable   Forward working table.
- * Checks: either pointer null (StatusNullPointer).
+ * @return StatusNullPointer for a null pointer.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriQuantFwd8x8_JPEG_16s_C1I(int16_t* pSrcDst, const uint16_t* pQuantFwdTable);
 
@@ -81,7 +81,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriQuantFwd8x8_JPEG_16s_C1I(int16_t* pSrcDst, con
  * Dequantises a coefficient block in place: c becomes the low 16 bits of c q.
  * @param pSrcDst          64 coefficients.
  * @param pQuantInvTable   Inverse working table.
- * Checks: either pointer null (StatusNullPointer).
+ * @return StatusNullPointer for a null pointer.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriQuantInv8x8_JPEG_16s_C1I(int16_t* pSrcDst, const uint16_t* pQuantInvTable);
 
@@ -92,8 +92,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriQuantInv8x8_JPEG_16s_C1I(int16_t* pSrcDst, con
  * @param srcStep          Bytes from row to row.
  * @param pDst             64 coefficients.
  * @param pQuantFwdTable   Forward working table.
- * Checks: pSrc or pDst null (StatusNullPointer); srcStep below 1 (StatusBadStep); pQuantFwdTable null
- * (StatusNullPointer).
+ * @return In this order: StatusNullPointer for a null `pSrc` or `pDst`; StatusBadStep for a step below 1;
+ *         StatusNullPointer for a null table.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantFwd8x8LS_JPEG_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
                                                                   const uint16_t* pQuantFwdTable);
@@ -105,7 +105,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantFwd8x8LS_JPEG_8u16s_C1R(const uint8_t*
  * @param srcStep          Bytes from row to row; may be odd.
  * @param pDst             64 coefficients.
  * @param pQuantFwdTable   64 multipliers T in natural order.
- * Checks: as zoriDCTQuantFwd8x8LS_JPEG_8u16s_C1R.
+ * @return As zoriDCTQuantFwd8x8LS_JPEG_8u16s_C1R.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantFwd8x8LS_JPEG_16u16s_C1R(const uint16_t* pSrc, int32_t srcStep, int16_t* pDst,
                                                                    const float* pQuantFwdTable);
@@ -117,7 +117,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantFwd8x8LS_JPEG_16u16s_C1R(const uint16_
  * @param pSrc             64 values, already shifted to be signed.
  * @param pDst             64 coefficients; may be pSrc.
  * @param pQuantFwdTable   Forward working table.
- * Checks: any pointer null (StatusNullPointer).
+ * @return StatusNullPointer for a null pointer.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantFwd8x8_JPEG_16s_C1(const int16_t* pSrc, int16_t* pDst,
                                                              const uint16_t* pQuantFwdTable);
@@ -126,7 +126,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantFwd8x8_JPEG_16s_C1(const int16_t* pSrc
  * zoriDCTQuantFwd8x8_JPEG_16s_C1 in place.
  * @param pSrcDst          64 values, then 64 coefficients.
  * @param pQuantFwdTable   Forward working table.
- * Checks: either pointer null (StatusNullPointer).
+ * @return StatusNullPointer for a null pointer.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantFwd8x8_JPEG_16s_C1I(int16_t* pSrcDst, const uint16_t* pQuantFwdTable);
 
@@ -137,8 +137,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantFwd8x8_JPEG_16s_C1I(int16_t* pSrcDst, 
  * @param pDst      Signed values.
  * @param dstStep   Bytes from row to row of the destination; may be odd.
  * @param roiSize   Size in pixels.
- * Checks: pSrc null (StatusNullPointer); srcStep below 1 (StatusBadStep); pDst null (StatusNullPointer); dstStep
- * below 1 (StatusBadStep); width or height below 1 (StatusBadSize).
+ * @return In this order: StatusNullPointer for a null `pSrc`; StatusBadStep for a `srcStep` below 1; StatusNullPointer
+ *         for a null `pDst`; StatusBadStep for a `dstStep` below 1; StatusBadSize for a width or height below 1.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriSub128_JPEG_8u16s_C1R(const uint8_t* pSrc, int32_t srcStep, int16_t* pDst,
                                                         int32_t dstStep, RoiSize roiSize);
@@ -151,8 +151,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriSub128_JPEG_8u16s_C1R(const uint8_t* pSrc, int
  * @param pDst             8 rows of 8 samples.
  * @param dstStep          Bytes from row to row.
  * @param pQuantInvTable   Inverse working table.
- * Checks: pSrc or pDst null (StatusNullPointer); dstStep below 1 (StatusBadStep); pQuantInvTable null
- * (StatusNullPointer).
+ * @return In this order: StatusNullPointer for a null `pSrc` or `pDst`; StatusBadStep for a step below 1;
+ *         StatusNullPointer for a null table.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst, int32_t dstStep,
                                                                   const uint16_t* pQuantInvTable);
@@ -164,7 +164,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R(const int16_t*
  * @param pDst             8 rows of 8 samples.
  * @param dstStep          Bytes from row to row; may be odd.
  * @param pQuantInvTable   64 multipliers in natural order.
- * Checks: as zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
+ * @return As zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(const int16_t* pSrc, uint16_t* pDst, int32_t dstStep,
                                                                    const float* pQuantInvTable);
@@ -173,7 +173,11 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(const int16_t
  * A flat block of 8x8 samples from the DC coefficient alone: (F(0,0) q(0,0) >> 3) + 128, wrapped to a signed 16-bit
  * number and clamped to 0..255. Does not round, so that a sample may be 1 below that of the full transform. Reads the
  * first coefficient and the first step only.
- * Arguments and checks: as zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
+ * @param pSrc             64 quantised coefficients.
+ * @param pDst             8 rows of 8 samples.
+ * @param dstStep          Bytes from row to row.
+ * @param pQuantInvTable   Inverse working table.
+ * @return As zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst,
                                                                       int32_t dstStep, const uint16_t* pQuantInvTable);
@@ -181,7 +185,11 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_1x1_JPEG_16s8u_C1R(const int1
 /**
  * What zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R gives if all coefficients but the lowest 2x2 are 0, for a fraction of its
  * work. The other coefficients are ignored.
- * Arguments and checks: as zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
+ * @param pSrc             64 quantised coefficients.
+ * @param pDst             8 rows of 8 samples.
+ * @param dstStep          Bytes from row to row.
+ * @param pQuantInvTable   Inverse working table.
+ * @return As zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst,
                                                                       int32_t dstStep, const uint16_t* pQuantInvTable);
@@ -189,7 +197,11 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_2x2_JPEG_16s8u_C1R(const int1
 /**
  * What zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R gives if all coefficients but the lowest 4x4 are 0, for a part of its work.
  * The other coefficients are ignored.
- * Arguments and checks: as zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
+ * @param pSrc             64 quantised coefficients.
+ * @param pDst             8 rows of 8 samples.
+ * @param dstStep          Bytes from row to row.
+ * @param pQuantInvTable   Inverse working table.
+ * @return As zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst,
                                                                       int32_t dstStep, const uint16_t* pQuantInvTable);
@@ -197,8 +209,11 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8LS_4x4_JPEG_16s8u_C1R(const int1
 /**
  * A block at a quarter of its width and height: the 2-point inverse DCT of the lowest 2x2 coefficients, scaled so that
  * F(0,0) = 8 s gives s, plus 128, clamped to 0..255. The other coefficients are ignored.
- * @param pDst   2 rows of 2 samples.
- * Other arguments and checks: as zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
+ * @param pSrc             64 quantised coefficients.
+ * @param pDst             2 rows of 2 samples.
+ * @param dstStep          Bytes from row to row.
+ * @param pQuantInvTable   Inverse working table.
+ * @return As zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst,
                                                                        int32_t dstStep, const uint16_t* pQuantInvTable);
@@ -207,8 +222,11 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8To2x2LS_JPEG_16s8u_C1R(const int
  * A block at half of its width and height: the 4-point inverse DCT of the lowest 4x4 coefficients, scaled so that
  * F(0,0) = 8 s gives s, plus 128, clamped to 0..255. The other coefficients are ignored. As accurate as
  * zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R, in blocks whose exact 4x4 samples lie within +-511.
- * @param pDst   4 rows of 4 samples.
- * Other arguments and checks: as zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
+ * @param pSrc             64 quantised coefficients.
+ * @param pDst             4 rows of 4 samples.
+ * @param dstStep          Bytes from row to row.
+ * @param pQuantInvTable   Inverse working table.
+ * @return As zoriDCTQuantInv8x8LS_JPEG_16s8u_C1R.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R(const int16_t* pSrc, uint8_t* pDst,
                                                                        int32_t dstStep, const uint16_t* pQuantInvTable);
@@ -220,7 +238,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8To4x4LS_JPEG_16s8u_C1R(const int
  * @param pSrc             64 quantised coefficients.
  * @param pDst             64 values; may be pSrc.
  * @param pQuantInvTable   Inverse working table.
- * Checks: any pointer null (StatusNullPointer).
+ * @return StatusNullPointer for a null pointer.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8_JPEG_16s_C1(const int16_t* pSrc, int16_t* pDst,
                                                              const uint16_t* pQuantInvTable);
@@ -229,7 +247,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8_JPEG_16s_C1(const int16_t* pSrc
  * zoriDCTQuantInv8x8_JPEG_16s_C1 in place.
  * @param pSrcDst          64 quantised coefficients, then 64 values.
  * @param pQuantInvTable   Inverse working table.
- * Checks: either pointer null (StatusNullPointer).
+ * @return StatusNullPointer for a null pointer.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8_JPEG_16s_C1I(int16_t* pSrcDst, const uint16_t* pQuantInvTable);
 
@@ -241,8 +259,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriDCTQuantInv8x8_JPEG_16s_C1I(int16_t* pSrcDst, 
  * @param pDst      Samples.
  * @param dstStep   Bytes from row to row of the destination.
  * @param roiSize   Size in pixels.
- * Checks: pSrc null (StatusNullPointer); srcStep below 1 (StatusBadStep); pDst null (StatusNullPointer); dstStep
- * below 1 (StatusBadStep); width or height below 1 (StatusBadSize).
+ * @return In this order: StatusNullPointer for a null `pSrc`; StatusBadStep for a `srcStep` below 1; StatusNullPointer
+ *         for a null `pDst`; StatusBadStep for a `dstStep` below 1; StatusBadSize for a width or height below 1.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriAdd128_JPEG_16s8u_C1R(const int16_t* pSrc, int32_t srcStep, uint8_t* pDst,
                                                         int32_t dstStep, RoiSize roiSize);

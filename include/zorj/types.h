@@ -97,7 +97,10 @@ typedef struct LibraryVersion {
   const char* buildDate; /**< Date of the release. */
 } LibraryVersion;
 
-/** Returns the one version record; never null, never fails. */
+/**
+ * Tells the version.
+ * @return The one version record; never null, never fails.
+ */
 ZORJ_API const LibraryVersion* ZORJ_CALL zorjGetLibVersion(void);
 
 #ifdef __cplusplus

@@ -11,7 +11,7 @@ import sys
 
 source, library = pathlib.Path(sys.argv[1]), sys.argv[2]
 sys.path.insert(0, str(source / "tools"))
-from exports import exports  # noqa: E402
+from exports import read_headers, to_json  # noqa: E402
 
 problems = []
 
@@ -27,9 +27,15 @@ def output(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
-declared = exports(source / "include")
+interface = read_headers(source / "include")
+declared = interface["functions"]
 names = [export["name"] for export in declared]
-expect_equal("src/exports.txt", (source / "src/exports.txt").read_text().split(), names)
+listed = (source / "src/exports.txt").read_text().split()
+expect_equal("src/exports.txt", listed, names)
+if listed != sorted(set(listed)):
+    problems.append("src/exports.txt is not sorted, or names a function twice")
+if (source / "tools/exports.json").read_text() != to_json(interface):
+    problems.append("tools/exports.json is not what the headers declare: run ./dev record")
 
 tests = "".join(p.read_text() for p in (source / "tests").rglob("*_test.cpp"))
 tested = set(re.findall(r"\bzor[ij]\w+", tests))

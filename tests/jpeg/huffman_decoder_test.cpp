@@ -6,27 +6,6 @@ namespace {
 
 using Table = DecoderTable;
 
-DecoderCalls blockCalls(int count, const Table& dc, const Table& ac) {
-  return statefulCalls(
-      count,
-      [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
-        Block block;
-        block.fill(0x5A5A);
-        const StatusCode status =
-            zoriDecodeHuffman8x8_JPEG_1u16s_C1(source, length, &reader.position, block.data(), &reader.lastDc,
-                                               &reader.marker, &dc.spec, &ac.spec, &reader.state);
-        trace.insert(trace.end(), block.begin(), block.end());
-        return status;
-      },
-      [&](ModelReader& reader, Trace& trace) {
-        reference::DecodedBlock block;
-        const StatusCode status = reference::decodeBlock(reader.bits, block, reader.lastDc, dc.model, ac.model);
-        reader.lastPosition = block.lastPosition.value_or(reader.lastPosition);
-        trace.insert(trace.end(), block.coefficients, block.coefficients + 64);
-        return status;
-      });
-}
-
 struct Tables {
   Table dc;
   Table ac;
@@ -105,114 +84,32 @@ TEST(HuffmanDecoder, DirectBlocksEqualModel) {
     stream.insert(stream.end(), {0x00, 0xFF, 0xD9});
     stream.insert(stream.begin(), static_cast<size_t>(skipped) / 8, 0xFF);
 
-    const auto subject = [&](const uint8_t* source, int32_t) {
-      Trace trace;
-      int32_t bitPosition = skipped, held = prefetched, marker = 0;
-      uint32_t bits = prefetchedBits;
-      int16_t lastDc = 0;
-      for (int i = 0; i < count + 2; ++i) {
-        Block block;
-        block.fill(0x5A5A);
-        trace.push_back(zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1(source, &bitPosition, block.data(), &lastDc, &marker,
-                                                                  &bits, &held, &tables.dc.spec, &tables.ac.spec));
-        trace.insert(trace.end(), {bitPosition, held, marker, bits, lastDc});
-        trace.insert(trace.end(), block.begin(), block.end());
-      }
-      return trace;
-    };
-    const auto model = [&](const uint8_t* source, int32_t length) {
-      Trace trace;
-      reference::HuffmanReader reader(source, length);
-      reader.position = skipped / 8;
-      reader.prefetch(prefetchedBits, prefetched);
-      int16_t lastDc = 0;
-      for (int i = 0; i < count + 2; ++i) {
-        reference::DecodedBlock block;
-        StatusCode status = reference::decodeBlock(reader, block, lastDc, tables.dc.model, tables.ac.model);
-        if (block.noBitsBeforeSymbol) status = StatusOk;
-        if (block.noExtraBits) status = StatusBufferEnd;
-        trace.insert(trace.end(), {status, 8 * reader.position + skipped % 8, reader.held(), reader.marker,
-                                   reader.buffer(), lastDc});
-        trace.insert(trace.end(), block.coefficients, block.coefficients + 64);
-      }
-      return trace;
-    };
-    expectReadsEqualModel("direct, round " + std::to_string(round), stream, subject, model);
+    const DecoderCalls calls = directCalls(count + 2, skipped, prefetchedBits, prefetched, tables.dc, tables.ac);
+    expectReadsEqualModel("direct, round " + std::to_string(round), stream, calls.subject, calls.model);
   }
-}
-
-using FourTables = std::array<const Table*, 4>;
-
-DecoderCalls rowCalls(int32_t samples, int32_t components, const FourTables& tables) {
-  const auto used = static_cast<size_t>(std::min(components, 4));
-  const auto length = static_cast<size_t>(samples);
-  return statefulCalls(
-      4,
-      [=](const uint8_t* source, int32_t sourceLength, SubjectReader& reader, Trace& trace) {
-        std::vector<int16_t> rows[4];
-        int16_t* pointers[4];
-        const HuffmanDecodeSpec* specs[4];
-        for (size_t c = 0; c < 4; ++c) {
-          rows[c].assign(length, 0x5A5A);
-          pointers[c] = rows[c].data();
-          specs[c] = &tables[c]->spec;
-        }
-        const StatusCode status =
-            zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(source, sourceLength, &reader.position, pointers, samples, components,
-                                                 &reader.marker, specs, &reader.state);
-        for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
-        return status;
-      },
-      [=](ModelReader& reader, Trace& trace) {
-        std::vector<int16_t> rows[4];
-        for (auto& row : rows) row.assign(length, 0x5A5A);
-        StatusCode status = StatusOk;
-        for (size_t i = 0; status == StatusOk && i < length * used; ++i) {
-          status = reference::decodeDifference(reader.bits, tables[i % used]->model, rows[i % used][i / used]);
-        }
-        for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
-        return status;
-      });
-}
-
-Bytes streamOfDifferences(const std::vector<int16_t>& values, int32_t components, const FourTables& tables) {
-  const auto used = static_cast<size_t>(std::min(components, 4));
-  return streamOf([&](reference::HuffmanWriter& writer) {
-    for (size_t i = 0; i < values.size(); ++i) tables[i % used]->encoder.putDifference(writer, values[i]);
-  });
 }
 
 TEST(HuffmanDecoder, LosslessRowsAndValuesEqualModel) {
   Random random(4);
   for (int round = 0; round < 40; ++round) {
-    const auto components = static_cast<int32_t>(random.between(1, 6));  // four of them are used
-    const auto samples = static_cast<int32_t>(random.between(1, round % 5 == 0 ? 150 : 30));
+    const int32_t components = static_cast<int32_t>(random.between(1, 6));  // four of them are used
+    const int32_t used = std::min(components, 4);
+    const auto samples = static_cast<size_t>(random.between(1, round % 5 == 0 ? 150 : 30));
     std::vector<Table> tables;
     for (int c = 0; c < 4; ++c) tables.emplace_back(randomLists(random, firstSymbols(round % 6 == 5 ? 256 : 17)));
-    const FourTables all = {&tables[0], &tables[1], &tables[2], &tables[3]};
-    std::vector<int16_t> values(static_cast<size_t>(samples * 2 * std::min(components, 4)));
+    std::vector<int16_t> values(samples * 2 * static_cast<size_t>(used));
     fillSamples(values.data(), values.size(), random, round % 3 == 0 ? 2 : round);
-    const Bytes stream = streamOfDifferences(values, components, all);
-    const DecoderCalls calls = rowCalls(samples, components, all);
-    expectReadsEqualModelOnVariants("rows, round " + std::to_string(round), stream, calls.subject, calls.model, 30, 10);
+    const Bytes stream = streamOf([&](reference::HuffmanWriter& writer) {
+      for (size_t i = 0; i < values.size(); ++i) {
+        tables[i % static_cast<size_t>(used)].encoder.putDifference(writer, values[i]);
+      }
+    });
+    const DecoderCalls rows = rowCalls(4, samples, components, tables);
+    expectReadsEqualModelOnVariants("rows, round " + std::to_string(round), stream, rows.subject, rows.model, 30, 10);
 
-    const DecoderCalls valueCalls = statefulCalls(
-        static_cast<int>(values.size()) + 9,
-        [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
-          int16_t value = 0x5A5A;
-          const StatusCode status = zoriDecodeHuffmanOne_JPEG_1u16s_C1(source, length, &reader.position, &value,
-                                                                       &reader.marker, &tables[0].spec, &reader.state);
-          trace.push_back(value);
-          return status;
-        },
-        [&](ModelReader& reader, Trace& trace) {
-          int16_t value = 0x5A5A;
-          const StatusCode status = reference::decodeDifference(reader.bits, tables[0].model, value);
-          trace.push_back(value);
-          return status;
-        });
-    expectReadsEqualModelOnVariants("values, round " + std::to_string(round), stream, valueCalls.subject,
-                                    valueCalls.model, 20, 5);
+    const DecoderCalls single = valueCalls(static_cast<int>(values.size()) + 9, tables[0]);
+    expectReadsEqualModelOnVariants("values, round " + std::to_string(round), stream, single.subject, single.model, 20,
+                                    5);
   }
 }
 
@@ -221,17 +118,19 @@ TEST(HuffmanDecoder, LongLosslessRowsOfOneTableEqualModel) {
   Random random(5);
   for (int round = 0; round < 60; ++round) {
     const auto components = static_cast<int32_t>(random.between(1, 4));
-    const auto samples = static_cast<int32_t>(random.between(500, 800)) / components + 1;
-    const Table table(round % 3 == 0 ? randomLists(random, firstSymbols(17)) : typicalDcLists());
-    const FourTables tables = {&table, &table, &table, &table};
-    std::vector<int16_t> values(static_cast<size_t>(samples * components * 3));
+    const auto samples = static_cast<size_t>(random.between(500, 800) / components + 1);
+    const std::vector<Table> tables(1,
+                                    Table(round % 3 == 0 ? randomLists(random, firstSymbols(17)) : typicalDcLists()));
+    std::vector<int16_t> values(samples * static_cast<size_t>(components) * 3);
     const int64_t largest = round % 2 == 0 ? 3 : 20;
     for (int16_t& value : values) {
       value = static_cast<int16_t>(random.between(-largest, largest) * (random.oneIn(50) ? 100 : 1));
     }
-    const Bytes stream = streamOfDifferences(values, components, tables);
-    const DecoderCalls calls = rowCalls(samples, components, tables);
-    expectReadsEqualModelOnVariants("long rows, round " + std::to_string(round), stream, calls.subject, calls.model, 0,
+    const Bytes stream = streamOf([&](reference::HuffmanWriter& writer) {
+      for (const int16_t value : values) tables[0].encoder.putDifference(writer, value);
+    });
+    const DecoderCalls rows = rowCalls(4, samples, components, tables);
+    expectReadsEqualModelOnVariants("long rows, round " + std::to_string(round), stream, rows.subject, rows.model, 0,
                                     3);
   }
 }

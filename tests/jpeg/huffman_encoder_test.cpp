@@ -6,20 +6,6 @@ namespace {
 
 using Table = EncoderTable;
 
-EncoderCalls blockCalls(const std::vector<Block>& blocks, const Table& dc, const Table& ac) {
-  return statefulCalls(
-      blocks.size(),
-      [&](size_t i, uint8_t* dst, int32_t length, int32_t* position, int16_t& lastDc, HuffmanEncodeState* state) {
-        const bool flush = i == blocks.size();
-        return zoriEncodeHuffman8x8_JPEG_16s1u_C1(flush ? nullptr : blocks[i].data(), dst, length, position, &lastDc,
-                                                  &dc.spec, &ac.spec, state, flush);
-      },
-      [&](size_t i, ModelEncoder& encoder) {
-        if (i == blocks.size()) return encoder.writer.flush();
-        return reference::encodeBlock(encoder.writer, blocks[i].data(), encoder.lastDc, dc.model, ac.model);
-      });
-}
-
 TEST(HuffmanEncoder, BlocksEqualModel) {
   Random random(1);
   for (int round = 0; round < 60; ++round) {
@@ -62,37 +48,11 @@ TEST(HuffmanEncoder, DirectBlocksEqualModel) {
     std::vector<Block> blocks(static_cast<size_t>(random.between(1, 12)));
     for (Block& block : blocks) block = anyBlock(random);
     const int32_t start = static_cast<int32_t>(random.between(0, 40));
-    const auto subject = [&](uint8_t* dst, int32_t) {
-      Trace trace;
-      int32_t bitPosition = start;
-      int16_t lastDc = 7;
-      for (const Block& block : blocks) {
-        trace.push_back(
-            zoriEncodeHuffman8x8_Direct_JPEG_16s1u_C1(block.data(), dst, &bitPosition, &lastDc, &dc.spec, &ac.spec));
-        trace.insert(trace.end(), {bitPosition, lastDc});
-      }
-      return trace;
-    };
-    const auto model = [&](uint8_t* dst, int32_t length) {
-      Trace trace;
-      reference::HuffmanWriter writer(dst, length);
-      writer.position = start / 8;
-      for (int i = 0; i < start % 8; ++i) writer.pending.push_back((dst[start / 8] >> (7 - i) & 1) != 0);
-      int16_t lastDc = 7;
-      reference::HuffmanEncoder lenientDc = dc.model, lenientAc = ac.model;
-      lenientDc.ignoreMissingCodes = lenientAc.ignoreMissingCodes = true;
-      for (const Block& block : blocks) {
-        reference::encodeBlock(writer, block.data(), lastDc, lenientDc, lenientAc);
-        const int pending = static_cast<int>(writer.pending.size());
-        trace.insert(trace.end(), {StatusOk, 8 * writer.position + pending, lastDc});
-        if (pending > 0) dst[writer.position] = static_cast<uint8_t>(writer.accumulator() >> 16);
-      }
-      return trace;
-    };
+    const EncoderCalls calls = directCalls(blocks, start, dc, ac);
     std::vector<uint8_t> bytes(6000, 0xA5);
-    const Trace trace = model(bytes.data(), 6000);
+    const Trace trace = calls.model(bytes.data(), 6000);
     const int32_t exact = static_cast<int32_t>((trace[trace.size() - 2] + 7) / 8);
-    expectWritesEqualModel("direct, round " + std::to_string(round), {exact, 6000}, subject, model);
+    expectWritesEqualModel("direct, round " + std::to_string(round), {exact, 6000}, calls.subject, calls.model);
   }
 }
 
@@ -109,45 +69,17 @@ TEST(HuffmanEncoder, LosslessRowsAndValuesEqualModel) {
       rows.emplace_back(static_cast<size_t>(samples));
       fillSamples(rows.back().data(), rows.back().size(), random, round % 3 == 0 ? 2 : round + c);
     }
-    const int16_t* rowPointers[4] = {rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data()};
-    // Components may share a table, too.
-    const auto tableOf = [&](size_t c) -> Table& { return tables[round % 2 == 0 ? 0 : c]; };
-    const HuffmanEncodeSpec* specs[4] = {&tableOf(0).spec, &tableOf(1).spec, &tableOf(2).spec, &tableOf(3).spec};
-    const int32_t used = std::min(components, 4);
+    if (round % 2 == 0) tables.erase(tables.begin() + 1, tables.end());
     const auto lengths = [round](const EncoderCalls& calls) {
       return round % 8 == 0 ? lengthsToTry(calls) : std::vector<int32_t>{9000, 70, 24, 9};
     };
 
-    const EncoderCalls rowCalls = statefulCalls(
-        3,
-        [&](size_t i, uint8_t* dst, int32_t length, int32_t* position, int16_t&, HuffmanEncodeState* state) {
-          return zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(i == 3 ? nullptr : rowPointers, samples, components, dst, length,
-                                                      position, specs, state, i == 3);
-        },
-        [&](size_t call, ModelEncoder& encoder) {
-          if (call == 3) return encoder.writer.flush();
-          for (int32_t i = 0; i < samples * used; ++i) {
-            const auto c = static_cast<size_t>(i % used);
-            const StatusCode status =
-                tableOf(c).model.putDifference(encoder.writer, rows[c][static_cast<size_t>(i / used)]);
-            if (status != StatusOk) return status;
-          }
-          return StatusOk;
-        });
-    expectWritesEqualModel("rows, round " + std::to_string(round), lengths(rowCalls), rowCalls.subject, rowCalls.model);
+    const EncoderCalls rowSeries = rowCalls(3, rows, components, tables);
+    expectWritesEqualModel("rows, round " + std::to_string(round), lengths(rowSeries), rowSeries.subject,
+                           rowSeries.model);
 
-    const auto count = static_cast<size_t>(samples);
-    const EncoderCalls valueCalls = statefulCalls(
-        count,
-        [&](size_t i, uint8_t* dst, int32_t length, int32_t* position, int16_t&, HuffmanEncodeState* state) {
-          return zoriEncodeHuffmanOne_JPEG_16s1u_C1(i == count ? nullptr : &rows[0][i], dst, length, position, specs[0],
-                                                    state, i == count);
-        },
-        [&](size_t i, ModelEncoder& encoder) {
-          return i == count ? encoder.writer.flush() : tables[0].model.putDifference(encoder.writer, rows[0][i]);
-        });
-    expectWritesEqualModel("values, round " + std::to_string(round), lengths(valueCalls), valueCalls.subject,
-                           valueCalls.model);
+    const EncoderCalls values = valueCalls(rows[0], tables[0]);
+    expectWritesEqualModel("values, round " + std::to_string(round), lengths(values), values.subject, values.model);
   }
 }
 

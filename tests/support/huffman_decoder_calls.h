@@ -106,4 +106,112 @@ DecoderCalls statefulCalls(int count, const Subject& subject, const Model& model
           }};
 }
 
+inline DecoderCalls blockCalls(int count, const DecoderTable& dc, const DecoderTable& ac) {
+  return statefulCalls(
+      count,
+      [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
+        Block block;
+        block.fill(0x5A5A);
+        const StatusCode status =
+            zoriDecodeHuffman8x8_JPEG_1u16s_C1(source, length, &reader.position, block.data(), &reader.lastDc,
+                                               &reader.marker, &dc.spec, &ac.spec, &reader.state);
+        trace.insert(trace.end(), block.begin(), block.end());
+        return status;
+      },
+      [&](ModelReader& reader, Trace& trace) {
+        reference::DecodedBlock block;
+        const StatusCode status = reference::decodeBlock(reader.bits, block, reader.lastDc, dc.model, ac.model);
+        reader.lastPosition = block.lastPosition.value_or(reader.lastPosition);
+        trace.insert(trace.end(), block.coefficients, block.coefficients + 64);
+        return status;
+      });
+}
+
+// Blocks at a bit position, which start with bits that were read before.
+inline DecoderCalls directCalls(int count, int32_t skipped, uint32_t prefetchedBits, int32_t prefetched,
+                                const DecoderTable& dc, const DecoderTable& ac) {
+  return {[=, &dc, &ac](const uint8_t* source, int32_t) {
+            Trace trace;
+            int32_t bitPosition = skipped, held = prefetched, marker = 0;
+            uint32_t bits = prefetchedBits;
+            int16_t lastDc = 0;
+            for (int i = 0; i < count; ++i) {
+              Block block;
+              block.fill(0x5A5A);
+              trace.push_back(zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1(source, &bitPosition, block.data(), &lastDc,
+                                                                        &marker, &bits, &held, &dc.spec, &ac.spec));
+              trace.insert(trace.end(), {bitPosition, held, marker, bits, lastDc});
+              trace.insert(trace.end(), block.begin(), block.end());
+            }
+            return trace;
+          },
+          [=, &dc, &ac](const uint8_t* source, int32_t length) {
+            Trace trace;
+            reference::HuffmanReader reader(source, length);
+            reader.position = skipped / 8;
+            reader.prefetch(prefetchedBits, prefetched);
+            int16_t lastDc = 0;
+            for (int i = 0; i < count; ++i) {
+              reference::DecodedBlock block;
+              StatusCode status = reference::decodeBlock(reader, block, lastDc, dc.model, ac.model);
+              if (block.noBitsBeforeSymbol) status = StatusOk;
+              if (block.noExtraBits) status = StatusBufferEnd;
+              trace.insert(trace.end(), {status, 8 * reader.position + skipped % 8, reader.held(), reader.marker,
+                                         reader.buffer(), lastDc});
+              trace.insert(trace.end(), block.coefficients, block.coefficients + 64);
+            }
+            return trace;
+          }};
+}
+
+// Rows of differences; of the components at most four are used, each with its table.
+inline DecoderCalls rowCalls(int count, size_t samples, int32_t components, const std::vector<DecoderTable>& tables) {
+  return statefulCalls(
+      count,
+      [=, &tables](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
+        const HuffmanDecodeSpec* specs[4] = {&tableOf(tables, 0).spec, &tableOf(tables, 1).spec,
+                                             &tableOf(tables, 2).spec, &tableOf(tables, 3).spec};
+        std::vector<int16_t> rows[4];
+        int16_t* pointers[4];
+        for (size_t c = 0; c < 4; ++c) {
+          rows[c].assign(samples, 0x5A5A);
+          pointers[c] = rows[c].data();
+        }
+        const StatusCode status = zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(source, length, &reader.position, pointers,
+                                                                       static_cast<int32_t>(samples), components,
+                                                                       &reader.marker, specs, &reader.state);
+        for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
+        return status;
+      },
+      [=, &tables](ModelReader& reader, Trace& trace) {
+        const size_t used = std::min<size_t>(static_cast<size_t>(components), 4);
+        std::vector<int16_t> rows[4];
+        for (auto& row : rows) row.assign(samples, 0x5A5A);
+        StatusCode status = StatusOk;
+        for (size_t i = 0; status == StatusOk && i < samples * used; ++i) {
+          status = reference::decodeDifference(reader.bits, tableOf(tables, i % used).model, rows[i % used][i / used]);
+        }
+        for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
+        return status;
+      });
+}
+
+inline DecoderCalls valueCalls(int count, const DecoderTable& table) {
+  return statefulCalls(
+      count,
+      [&](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
+        int16_t value = 0x5A5A;
+        const StatusCode status = zoriDecodeHuffmanOne_JPEG_1u16s_C1(source, length, &reader.position, &value,
+                                                                     &reader.marker, &table.spec, &reader.state);
+        trace.push_back(value);
+        return status;
+      },
+      [&](ModelReader& reader, Trace& trace) {
+        int16_t value = 0x5A5A;
+        const StatusCode status = reference::decodeDifference(reader.bits, table.model, value);
+        trace.push_back(value);
+        return status;
+      });
+}
+
 }  // namespace zorj::test

@@ -24,25 +24,37 @@
 extern "C" {
 #endif
 
-/** Returns `length` bytes aligned to 64, or null if `length` is below 1 or there is no memory. */
+/**
+ * Allocates memory.
+ * @param length Bytes.
+ * @return Memory aligned to 64 bytes, or null if `length` is below 1 or there is no memory.
+ */
 ZORCORE_API void* zorMalloc(int32_t length);
 
-/** Releases what zorMalloc returned. Null is ignored. */
+/**
+ * Releases memory.
+ * @param memory What zorMalloc returned; null is ignored.
+ */
 ZORCORE_API void zorFree(void* memory);
 
 /**
- * Writes the size in bytes of the processor's largest cache to `size`.
- * Returns 0, or -1 with `size` untouched if it cannot be found out or `size` is null.
+ * Tells the size of the processor's largest cache.
+ * @param size Receives the size in bytes.
+ * @return 0, or -1 with `size` untouched if it cannot be found out or `size` is null.
  */
 ZORCORE_API int zorGetMaxCacheSizeB(int32_t* size);
 
 /**
- * Returns the number of threads the library may use, at least 1: what zorSetNumThreads set, or else the number of
- * processors this process may use (its affinity, and its share of processor time where a control group limits it).
+ * Tells how many threads the library may use.
+ * @return At least 1: what zorSetNumThreads set, or else the number of processors this process may use (its affinity,
+ *         and its share of processor time where a control group limits it).
  */
 ZORCORE_API int ownGetNumThreads(void);
 
-/** Sets the number of threads for the whole process; below 1 returns to the default. */
+/**
+ * Sets the number of threads for the whole process.
+ * @param threads The number; below 1 returns to the default.
+ */
 ZORCORE_API void zorSetNumThreads(int threads);
 
 /** Where zorMalloc and zorFree go. */
@@ -53,8 +65,8 @@ typedef struct ZorAllocator {
 } ZorAllocator;
 
 /**
- * Replaces the allocator for the whole process; null returns to the default. The record must stay valid while it is
- * in use. Call it while no memory is held and no other thread is in the library.
+ * Replaces the allocator for the whole process. Call it while no memory is held and no other thread is in the library.
+ * @param allocator The allocator, which must stay valid while it is in use; null returns to the default.
  */
 ZORCORE_API void zorSetAllocator(const ZorAllocator* allocator);
 
