@@ -1,4 +1,4 @@
-// The whole encoder and decoder of zorjpeg, in memory and on one thread, against libjpeg-turbo: the same photograph,
+// The whole encoder and decoder of zorjpeg, in memory and on one thread, against libjpeg-turbo: the same photographs,
 // quality, sampling, up-sampling and scale, interleaved RGB or CMYK. Both use their accurate integer transforms.
 #include <turbojpeg.h>
 #include <zorcore.h>
@@ -11,6 +11,7 @@
 #include "common/image_file.h"
 #include "jpeg/codec.h"
 #include "support/compare.h"
+#include "support/photographs.h"
 
 namespace zorj::bench {
 namespace {
@@ -82,10 +83,11 @@ SharedFile encoded(const Setting& setting, const SharedImage& image) {
   return file;
 }
 
-// Lossless coding of the photograph against the peer's baseline coding of it in 4:2:0 at quality 90.
-void compareLossless(const SharedImage& image) {
+// Lossless coding of a photograph against the peer's baseline coding of it in 4:2:0 at quality 90.
+void compareLossless(const Photograph& photograph) {
+  const SharedImage& image = photograph.image;
   const auto deep = std::make_shared<const examples::DeepImage>(examples::withPrecision<uint16_t>(*image, 8));
-  Setting setting = {"lossless, predictor 1", {90, jpeg::Sampling::s420}, TJSAMP_420};
+  Setting setting = {photograph.name + " lossless, predictor 1", {90, jpeg::Sampling::s420}, TJSAMP_420};
   const auto turboFile = encoded(setting, image);
   setting.options.predictor = 1;
   compareEncoders(setting, image);
@@ -120,52 +122,64 @@ SharedImage inGrey(const Image& rgb) {
   return grey;
 }
 
-}  // namespace
-
-void registerComparisons() {
+// The kinds of files that are usual.
+void compareUsual(const Photograph& photograph) {
   using jpeg::Sampling;
-  using jpeg::Upsampling;
-  zorSetNumThreads(1);
-  const auto image = std::make_shared<const Image>(examples::readImage(ZORJ_PHOTOGRAPH));
+  const SharedImage& image = photograph.image;
   for (const int quality : {90, 75}) {
-    const std::string suffix = " q" + std::to_string(quality);
-    const Setting full = {"4:4:4" + suffix, {quality, Sampling::s444}};
-    const Setting pairs = {"4:2:2" + suffix, {quality, Sampling::s422}, TJSAMP_422};
-    const Setting squares = {"4:2:0" + suffix, {quality, Sampling::s420}, TJSAMP_420};
-    for (const Setting& setting : {full, pairs, squares}) compareEncoders(setting, image);
-    compareDecoders(full.name, encoded(full, image), {}, TJPF_RGB);
-    for (const Setting& setting : {pairs, squares}) {
-      const SharedFile file = encoded(setting, image);
-      compareDecoders(setting.name + " triangle", file, {Upsampling::triangle}, TJPF_RGB);
-      compareDecoders(setting.name + " box", file, {Upsampling::box}, TJPF_RGB);
-    }
-  }
-  for (const int quality : {90, 75}) {
-    for (const auto& [name, sampling, turboSampling] :
-         {std::tuple("4:4:4", Sampling::s444, TJSAMP_444), std::tuple("4:2:0", Sampling::s420, TJSAMP_420)}) {
-      const std::string suffix = std::string(" ") + name + " q" + std::to_string(quality);
-      Setting setting = {"optimised" + suffix, {quality, sampling}, turboSampling};
+    for (const auto& [sampling, turboSampling, name] :
+         {std::tuple(Sampling::s444, TJSAMP_444, " 4:4:4 q"), std::tuple(Sampling::s420, TJSAMP_420, " 4:2:0 q")}) {
+      const std::string suffix = name + std::to_string(quality);
+      Setting setting = {photograph.name + suffix, {quality, sampling}, turboSampling};
+      compareEncoders(setting, image);
+      compareDecoders(setting.name, encoded(setting, image), {}, TJPF_RGB);
+      setting.name = photograph.name + " optimised" + suffix;
       setting.options.optimize = true;
       compareEncoders(setting, image);
-      setting.name = "progressive" + suffix;
+      setting.name = photograph.name + " progressive" + suffix;
       setting.options.progressive = true;
       compareEncoders(setting, image);
       compareDecoders(setting.name, encoded(setting, image), {}, TJPF_RGB);
     }
   }
-  compareLossless(image);
+  compareLossless(photograph);
+}
+
+// Other samplings, up-samplings, scales and colours.
+void compareOthers(const SharedImage& image) {
+  using jpeg::Sampling;
+  using jpeg::Upsampling;
+  for (const int quality : {90, 75}) {
+    const std::string suffix = " q" + std::to_string(quality);
+    const Setting pairs = {"4:2:2" + suffix, {quality, Sampling::s422}, TJSAMP_422};
+    const Setting squares = {"4:2:0" + suffix, {quality, Sampling::s420}, TJSAMP_420};
+    compareEncoders(pairs, image);
+    compareDecoders(pairs.name + " triangle", encoded(pairs, image), {Upsampling::triangle}, TJPF_RGB);
+    for (const Setting& setting : {pairs, squares}) {
+      compareDecoders(setting.name + " box", encoded(setting, image), {Upsampling::box}, TJPF_RGB);
+    }
+  }
   const SharedFile file = encoded({"", {90, Sampling::s420}}, image);
   for (const int scale : {2, 4, 8}) {
     compareDecoders("4:2:0 q90 scale 1/" + std::to_string(scale), file, {Upsampling::triangle, scale}, TJPF_RGB);
   }
-  const std::pair<Setting, SharedImage> others[] = {
+  const std::pair<Setting, SharedImage> colors[] = {
       {{"grey q90", {90}, TJSAMP_GRAY, TJPF_GRAY}, inGrey(*image)},
       {{"YCCK 4:4:4 q90", {90, Sampling::s444}, TJSAMP_444, TJPF_CMYK}, inInk(*image)},
       {{"YCCK 4:2:0 q90", {90, Sampling::s420}, TJSAMP_420, TJPF_CMYK}, inInk(*image)}};
-  for (const auto& [setting, picture] : others) {
+  for (const auto& [setting, picture] : colors) {
     compareEncoders(setting, picture);
     compareDecoders(setting.name, encoded(setting, picture), {}, setting.turboFormat);
   }
+}
+
+}  // namespace
+
+void registerComparisons() {
+  zorSetNumThreads(1);
+  const std::vector<Photograph> all = photographs();
+  for (const Photograph& photograph : all) compareUsual(photograph);
+  compareOthers(all[0].image);
 }
 
 }  // namespace zorj::bench

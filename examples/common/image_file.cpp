@@ -94,6 +94,10 @@ BasicImage<To> withPrecision(const BasicImage<From>& image, int32_t precision) {
   BasicImage<To> result(image.width, image.height, image.channels);
   result.precision = precision;
   result.hasOpacity = image.hasOpacity;
+  if (precision == image.precision) {
+    std::copy(image.samples.begin(), image.samples.end(), result.samples.begin());
+    return result;
+  }
   const int64_t from = image.largest(), to = result.largest();
   std::transform(image.samples.begin(), image.samples.end(), result.samples.begin(),
                  [=](From sample) { return static_cast<To>((sample * to + from / 2) / from); });

@@ -119,12 +119,63 @@ void toPixels(CoefficientImage& coefficients, const DecodeOptions& options, Imag
   });
 }
 
+// Whether a lossless file's samples are the pixels' as they are.
+bool holdsPixels(const Frame& frame, const DecodeOptions& options) {
+  const bool whole = std::all_of(frame.components.begin(), frame.components.end(), [](const Component& component) {
+    return component.horizontal == 1 && component.vertical == 1;
+  });
+  return frame.process == Process::lossless && whole && !frame.inverted && options.scale == 1 &&
+         frame.coding != ColorCoding::yCbCr && frame.coding != ColorCoding::ycck;
+}
+
+// What stands for lost samples.
+template <class Sample>
+Sample middleGrey(const Frame& frame) {
+  return static_cast<Sample>(1 << (frame.precision - 1));
+}
+
+template <class Sample>
+DecodeReport decodeLosslessPixels(MarkerReader& reader, BasicImage<Sample>& image) {
+  const Frame& frame = reader.frame();
+  image.reshape(frame.width, frame.height, static_cast<int32_t>(frame.components.size()));
+  image.precision = frame.precision;
+  std::fill(image.samples.begin(), image.samples.end(), middleGrey<Sample>(frame));
+  const int32_t largest = image.largest();
+  return decodeLossless(reader, [&](size_t c, int32_t y, std::span<const int16_t> samples, int32_t dropped) {
+    Sample* const to = image.at(0, y) + c;
+    const auto put = [&](auto channels) {
+      for (size_t x = 0; x < samples.size(); ++x)
+        to[x * channels] = static_cast<Sample>(samples[x] << dropped & largest);
+    };
+    if (image.channels == 3) {
+      put(std::integral_constant<size_t, 3>());
+    } else {
+      put(static_cast<size_t>(image.channels));
+    }
+  });
+}
+
+DecodeReport decodeLosslessPlanes(MarkerReader& reader, std::vector<SamplePlane>& planes) {
+  const Frame& frame = reader.frame();
+  for (const Component& component : frame.components) {
+    SamplePlane plane{frame.samplesWide(component), frame.samplesHigh(component), {}};
+    plane.samples.assign(size_t(plane.width) * size_t(plane.height), middleGrey<uint16_t>(frame));
+    planes.push_back(std::move(plane));
+  }
+  const int32_t largest = (1 << frame.precision) - 1;
+  return decodeLossless(reader, [&](size_t c, int32_t y, std::span<const int16_t> samples, int32_t dropped) {
+    std::transform(samples.begin(), samples.end(), &planes[c].samples[size_t(y) * size_t(planes[c].width)],
+                   [=](int16_t sample) { return static_cast<uint16_t>(sample << dropped & largest); });
+  });
+}
+
 DecodeReport decodeDeep(MarkerReader& reader, const DecodeOptions& options, DeepImage& image) {
   const Frame frame = reader.frame();
+  if (holdsPixels(frame, options)) return decodeLosslessPixels(reader, image);
   DecodeReport report;
   if (frame.process == Process::lossless) {
     std::vector<SamplePlane> planes;
-    report = decodeLossless(reader, planes);
+    report = decodeLosslessPlanes(reader, planes);
     toPixels(frame, planes, options, image);
   } else {
     CoefficientImage coefficients;
@@ -154,6 +205,7 @@ DecodeReport decode(std::span<const uint8_t> jpeg, const DecodeOptions& options,
   MarkerReader reader(jpeg);
   readFirstScan(reader);
   const Frame& frame = reader.frame();
+  if (frame.precision == 8 && holdsPixels(frame, options)) return decodeLosslessPixels(reader, image);
   if (frame.precision != 8 || frame.process == Process::lossless) {
     DeepImage deep;
     const DecodeReport report = decodeDeep(reader, options, deep);

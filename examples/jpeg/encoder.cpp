@@ -161,7 +161,8 @@ CoefficientImage transform(const DeepImage& image, const EncodeOptions& options)
 
 void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_t>& jpeg) {
   check(options);
-  if (options.predictor > 0 || options.precision != 8) {
+  if (options.predictor > 0) return encodeLossless(image, frameFor(image, options), options, jpeg);
+  if (options.precision != 8) {
     return encode(withPrecision<uint16_t>(image, 8), options, jpeg);
   }
   if (!options.optimize && !options.progressive) return encodeBaseline(image, options, jpeg);

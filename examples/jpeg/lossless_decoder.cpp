@@ -12,23 +12,24 @@
 namespace examples::jpeg {
 namespace {
 
-// A component's rows of one row of MCUs: the differences, and the samples before the point transform. An MCU holds as
-// many samples of it as its sampling factors say, or one if it is alone in the scan.
+// A component's rows of one row of MCUs: all differences, and the samples of the current row and the one above, as
+// the point transform leaves them. An MCU holds as many samples of it as its sampling factors say, or one if it is
+// alone in the scan.
 struct ComponentRows {
   size_t component;
   int32_t horizontal, vertical;
-  int32_t width;  // with the samples that fill up the last MCU
-  std::vector<std::vector<int16_t>> differences, samples;
-  std::vector<int16_t> above;
+  int32_t width, height;  // inside the image
+  std::vector<std::vector<int16_t>> differences;
+  std::vector<int16_t> samples, above;
 };
 
 class LosslessScan {
  public:
-  LosslessScan(const MarkerReader& reader, std::vector<SamplePlane>& planes)
+  LosslessScan(const MarkerReader& reader, const TakeRow& takeRow)
       : scan_(reader.scan()),
         precision_(reader.frame().precision),
         tables_(reader.scanTables()),
-        planes_(planes),
+        takeRow_(takeRow),
         mcusWide_(0),
         mcusHigh_(0),
         data_(reader.file(), reader.position(), rowsPerSegment(reader)) {
@@ -78,12 +79,18 @@ class LosslessScan {
     const bool alone = scan_.components.size() == 1;
     mcusWide_ = alone ? frame.samplesWide(component) : divideUp(frame.width, frame.maxHorizontal());
     mcusHigh_ = alone ? frame.samplesHigh(component) : divideUp(frame.height, frame.maxVertical());
-    ComponentRows rows{c, alone ? 1 : component.horizontal, alone ? 1 : component.vertical, 0, {}, {}, {}};
-    rows.width = mcusWide_ * rows.horizontal;
-    const std::vector<int16_t> row(static_cast<size_t>(rows.width));
+    ComponentRows rows{c,
+                       alone ? 1 : component.horizontal,
+                       alone ? 1 : component.vertical,
+                       frame.samplesWide(component),
+                       frame.samplesHigh(component),
+                       {},
+                       {},
+                       {}};
+    // With the samples that fill up the last MCU.
+    const std::vector<int16_t> row(static_cast<size_t>(mcusWide_) * static_cast<size_t>(rows.horizontal));
     rows.differences.assign(static_cast<size_t>(rows.vertical), row);
-    rows.samples = rows.differences;
-    rows.above = row;
+    rows.samples = rows.above = row;
     onePerMcu_ = onePerMcu_ && rows.horizontal == 1 && rows.vertical == 1;
     rows_.push_back(std::move(rows));
   }
@@ -119,31 +126,26 @@ class LosslessScan {
   }
 
   void reconstruct(ComponentRows& rows, int32_t mcuRow, bool isFirst) {
-    SamplePlane& plane = planes_[rows.component];
     const Prediction prediction{scan_.first, precision_, scan_.lowBit};
-    const int32_t largest = (1 << precision_) - 1;  // which damaged differences may exceed
     for (int32_t v = 0; v < rows.vertical; ++v) {
-      std::vector<int16_t>& samples = rows.samples[static_cast<size_t>(v)];
       const std::vector<int16_t>& differences = rows.differences[static_cast<size_t>(v)];
       if (isFirst && v == 0) {
-        reconstructFirstRow(prediction, differences, samples);
+        reconstructFirstRow(prediction, differences, rows.samples);
       } else {
-        reconstructRow(prediction, differences, rows.above, samples);
+        reconstructRow(prediction, differences, rows.above, rows.samples);
       }
-      rows.above = samples;
       const int32_t y = mcuRow * rows.vertical + v;
-      if (y >= plane.height) continue;
-      uint16_t* const to = plane.samples.data() + size_t(y) * size_t(plane.width);
-      for (int32_t x = 0; x < plane.width; ++x) {
-        to[x] = static_cast<uint16_t>(samples[static_cast<size_t>(x)] << scan_.lowBit & largest);
+      if (y < rows.height) {
+        takeRow_(rows.component, y, std::span(rows.samples).first(static_cast<size_t>(rows.width)), scan_.lowBit);
       }
+      rows.above.swap(rows.samples);
     }
   }
 
   const Scan& scan_;
   int32_t precision_;
   std::vector<DecodeTables> tables_;
-  std::vector<SamplePlane>& planes_;
+  const TakeRow& takeRow_;
   int32_t mcusWide_;
   int32_t mcusHigh_;
   bool onePerMcu_ = true;
@@ -153,14 +155,8 @@ class LosslessScan {
 
 }  // namespace
 
-DecodeReport decodeLossless(MarkerReader& reader, std::vector<SamplePlane>& planes) {
+DecodeReport decodeLossless(MarkerReader& reader, const TakeRow& takeRow) {
   const Frame& frame = reader.frame();
-  planes.clear();
-  for (const Component& component : frame.components) {
-    SamplePlane plane{frame.samplesWide(component), frame.samplesHigh(component), {}};
-    plane.samples.assign(size_t(plane.width) * size_t(plane.height), static_cast<uint16_t>(1 << (frame.precision - 1)));
-    planes.push_back(std::move(plane));
-  }
   std::vector<bool> coded(frame.components.size());
   Damage damage;
   bool isFirst = true;
@@ -170,7 +166,7 @@ DecodeReport decodeLossless(MarkerReader& reader, std::vector<SamplePlane>& plan
         if (coded[component]) throw Error("a component is coded twice");
         coded[component] = true;
       }
-      LosslessScan scan(reader, planes);
+      LosslessScan scan(reader, takeRow);
       damage.count(scan.decode(), scan.rows());
       more = nextScan(reader, scan.end(), damage);
     } catch (const Error& error) {

@@ -1,10 +1,11 @@
 #include "jpeg/lossless_encoder.h"
 
 #include <zorj/jpeg_huffman.h>
-#include <zorj/jpeg_progressive.h>
 
 #include <algorithm>
+#include <bit>
 #include <limits>
+#include <span>
 
 #include "common/error.h"
 #include "jpeg/headers.h"
@@ -19,36 +20,54 @@ namespace {
 // A code of 16 bits and 15 extra bits, every byte stuffed, with the byte that was begun.
 constexpr size_t kMaxValueBytes = 8;
 
-// The differences of an image: all rows of the first component, then those of the next.
-std::vector<std::vector<int16_t>> differencesOf(const DeepImage& image, const Frame& frame,
-                                                const Prediction& prediction, int32_t rowsPerSegment) {
-  const auto width = static_cast<size_t>(image.width);
-  std::vector<std::vector<int16_t>> differences;
-  std::vector<int16_t> above(width), samples(width);
-  for (int32_t c = 0; c < image.channels; ++c) {
-    for (int32_t y = 0; y < image.height; ++y) {
-      const uint16_t* const pixels = image.at(0, y) + c;
-      const int32_t inversion = frame.inverted ? image.largest() : 0;
+// The differences of an image, row by row, in a row component by component.
+template <class Sample>
+std::vector<int16_t> differencesOf(const BasicImage<Sample>& image, const Frame& frame, const Prediction& prediction,
+                                   int32_t rowsPerSegment) {
+  const auto width = static_cast<size_t>(image.width), channels = static_cast<size_t>(image.channels);
+  const int32_t inversion = frame.inverted ? image.largest() : 0;
+  std::vector<int16_t> differences(image.samples.size());
+  std::vector<int16_t> samples(width);
+  std::vector<std::vector<int16_t>> above(channels, samples);
+  const std::span<int16_t> all = differences;
+  for (int32_t y = 0; y < image.height; ++y) {
+    const bool isFirst = y == 0 || (rowsPerSegment > 0 && y % rowsPerSegment == 0);
+    for (size_t c = 0; c < channels; ++c) {
+      const Sample* const pixels = image.at(0, y) + c;
       for (size_t x = 0; x < width; ++x) {
-        samples[x] =
-            static_cast<int16_t>((pixels[x * size_t(image.channels)] ^ inversion) >> prediction.pointTransform);
+        samples[x] = static_cast<int16_t>((pixels[x * channels] ^ inversion) >> prediction.pointTransform);
       }
-      differences.emplace_back(width);
-      if (y == 0 || (rowsPerSegment > 0 && y % rowsPerSegment == 0)) {
-        predictFirstRow(prediction, samples, differences.back());
+      const std::span<int16_t> row = all.subspan((static_cast<size_t>(y) * channels + c) * width, width);
+      if (isFirst) {
+        predictFirstRow(prediction, samples, row);
       } else {
-        predictRow(prediction, samples, above, differences.back());
+        predictRow(prediction, samples, above[c], row);
       }
-      samples.swap(above);
+      samples.swap(above[c]);
     }
   }
   return differences;
 }
 
-SymbolCounts countSymbols(const std::vector<std::vector<int16_t>>& differences) {
+// What zoriGetHuffmanStatisticsOne_JPEG_16s_C1 counts, without a call for each: first how often there is each
+// difference, of which few are common.
+SymbolCounts countSymbols(const std::vector<int16_t>& differences, int32_t precision) {
+  // The predictions of some predictors go beyond the samples' range on both sides.
+  const int32_t bits = std::min(precision + 3, 16);
+  const size_t mask = (size_t{1} << bits) - 1;
+  // Neighbours are often the same: counters taken in turn need not wait for one another.
+  std::vector<int32_t> even(mask + 1), odd(mask + 1);
+  size_t i = 0;
+  for (; i + 2 <= differences.size(); i += 2) {
+    ++even[static_cast<size_t>(differences[i]) & mask];
+    ++odd[static_cast<size_t>(differences[i + 1]) & mask];
+  }
+  if (i < differences.size()) ++even[static_cast<size_t>(differences[i]) & mask];
+
   SymbolCounts counts{};
-  for (const std::vector<int16_t>& row : differences) {
-    for (const int16_t& difference : row) zoriGetHuffmanStatisticsOne_JPEG_16s_C1(&difference, counts.data());
+  for (size_t low = 0; low <= mask; ++low) {
+    const int32_t magnitude = std::min(static_cast<int32_t>(low), static_cast<int32_t>(mask + 1 - low));
+    counts[static_cast<size_t>(std::bit_width(static_cast<uint32_t>(magnitude)))] += even[low] + odd[low];
   }
   return counts;
 }
@@ -103,7 +122,8 @@ class RowEncoder {
 
 }  // namespace
 
-void encodeLossless(const DeepImage& image, const Frame& frame, const EncodeOptions& options,
+template <class Sample>
+void encodeLossless(const BasicImage<Sample>& image, const Frame& frame, const EncodeOptions& options,
                     std::vector<uint8_t>& jpeg) {
   if (image.precision < 2) throw Error("lossless samples must have 2 bits at least");
   if (options.pointTransform < 0 || options.pointTransform >= image.precision) {
@@ -115,8 +135,8 @@ void encodeLossless(const DeepImage& image, const Frame& frame, const EncodeOpti
   }
   const int32_t rowsPerSegment = options.restartInterval / image.width;
   const Prediction prediction{options.predictor, image.precision, options.pointTransform};
-  const std::vector<std::vector<int16_t>> differences = differencesOf(image, frame, prediction, rowsPerSegment);
-  const OptimalLists lists(countSymbols(differences));
+  const std::vector<int16_t> differences = differencesOf(image, frame, prediction, rowsPerSegment);
+  const OptimalLists lists(countSymbols(differences, image.precision));
 
   jpeg.clear();
   writeHeaders(frame, {}, options.restartInterval, jpeg);
@@ -128,12 +148,15 @@ void encodeLossless(const DeepImage& image, const Frame& frame, const EncodeOpti
     if (y > 0 && rowsPerSegment > 0 && y % rowsPerSegment == 0) encoder.restart(y / rowsPerSegment - 1);
     const int16_t* rows[kMaxComponents] = {};
     for (int32_t c = 0; c < image.channels; ++c) {
-      rows[c] = differences[size_t(c) * size_t(image.height) + size_t(y)].data();
+      rows[c] = differences.data() + (ptrdiff_t{y} * image.channels + c) * image.width;
     }
     encoder.encode(rows, image.width, image.channels);
   }
   encoder.finish();
   MarkerWriter(jpeg).marker(marker::EOI);
 }
+
+template void encodeLossless(const Image&, const Frame&, const EncodeOptions&, std::vector<uint8_t>&);
+template void encodeLossless(const DeepImage&, const Frame&, const EncodeOptions&, std::vector<uint8_t>&);
 
 }  // namespace examples::jpeg

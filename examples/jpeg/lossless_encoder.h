@@ -7,7 +7,8 @@
 
 namespace examples::jpeg {
 
-void encodeLossless(const DeepImage& image, const Frame& frame, const EncodeOptions& options,
+template <class Sample>
+void encodeLossless(const BasicImage<Sample>& image, const Frame& frame, const EncodeOptions& options,
                     std::vector<uint8_t>& jpeg);
 
 }  // namespace examples::jpeg

@@ -19,16 +19,16 @@ int32_t unsignedPrediction(int32_t predictor, int16_t leftSample, int16_t aboveS
   return (left + above) >> 1;
 }
 
-int32_t widthOf(const std::vector<int16_t>& row) { return static_cast<int32_t>(row.size()); }
+int32_t widthOf(std::span<const int16_t> row) { return static_cast<int32_t>(row.size()); }
 
 }  // namespace
 
-void predictFirstRow(const Prediction& p, const std::vector<int16_t>& samples, std::vector<int16_t>& differences) {
+void predictFirstRow(const Prediction& p, std::span<const int16_t> samples, std::span<int16_t> differences) {
   zoriDiffPredFirstRow_JPEG_16s_C1(samples.data(), differences.data(), widthOf(samples), p.precision, p.pointTransform);
 }
 
-void predictRow(const Prediction& p, const std::vector<int16_t>& samples, const std::vector<int16_t>& above,
-                std::vector<int16_t>& differences) {
+void predictRow(const Prediction& p, std::span<const int16_t> samples, std::span<const int16_t> above,
+                std::span<int16_t> differences) {
   if (!needsUnsignedHalves(p)) {
     zoriDiffPredRow_JPEG_16s_C1(samples.data(), above.data(), differences.data(), widthOf(samples), p.predictor);
     return;
@@ -40,13 +40,13 @@ void predictRow(const Prediction& p, const std::vector<int16_t>& samples, const 
   }
 }
 
-void reconstructFirstRow(const Prediction& p, const std::vector<int16_t>& differences, std::vector<int16_t>& samples) {
+void reconstructFirstRow(const Prediction& p, std::span<const int16_t> differences, std::span<int16_t> samples) {
   zoriReconstructPredFirstRow_JPEG_16s_C1(differences.data(), samples.data(), widthOf(samples), p.precision,
                                           p.pointTransform);
 }
 
-void reconstructRow(const Prediction& p, const std::vector<int16_t>& differences, const std::vector<int16_t>& above,
-                    std::vector<int16_t>& samples) {
+void reconstructRow(const Prediction& p, std::span<const int16_t> differences, std::span<const int16_t> above,
+                    std::span<int16_t> samples) {
   if (!needsUnsignedHalves(p)) {
     zoriReconstructPredRow_JPEG_16s_C1(differences.data(), above.data(), samples.data(), widthOf(samples), p.predictor);
     return;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
+#include <span>
 
 namespace examples::jpeg {
 
@@ -13,13 +13,12 @@ struct Prediction {
 };
 
 // The first row of a scan or restart segment, and the others. Samples are those after the point transform.
-void predictFirstRow(const Prediction& prediction, const std::vector<int16_t>& samples,
-                     std::vector<int16_t>& differences);
-void predictRow(const Prediction& prediction, const std::vector<int16_t>& samples, const std::vector<int16_t>& above,
-                std::vector<int16_t>& differences);
-void reconstructFirstRow(const Prediction& prediction, const std::vector<int16_t>& differences,
-                         std::vector<int16_t>& samples);
-void reconstructRow(const Prediction& prediction, const std::vector<int16_t>& differences,
-                    const std::vector<int16_t>& above, std::vector<int16_t>& samples);
+void predictFirstRow(const Prediction& prediction, std::span<const int16_t> samples, std::span<int16_t> differences);
+void predictRow(const Prediction& prediction, std::span<const int16_t> samples, std::span<const int16_t> above,
+                std::span<int16_t> differences);
+void reconstructFirstRow(const Prediction& prediction, std::span<const int16_t> differences,
+                         std::span<int16_t> samples);
+void reconstructRow(const Prediction& prediction, std::span<const int16_t> differences, std::span<const int16_t> above,
+                    std::span<int16_t> samples);
 
 }  // namespace examples::jpeg

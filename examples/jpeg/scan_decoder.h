@@ -29,8 +29,9 @@ class ScanDecoder {
   size_t end() const { return data_.end(); }
 
  private:
-  bool decodeMcu(std::span<const McuBlock> mcu, int32_t index);
-  StatusCode decodeBlock(int16_t* block, size_t component);
+  // decodeBlock(block, component) decodes one.
+  template <class DecodeBlock>
+  void decodeMcus(std::span<const McuBlock> mcu, int32_t count, const DecodeBlock& decodeBlock);
 
   EntropySegments data_;
   BlockCoding coding_;

@@ -6,15 +6,21 @@
 
 namespace zorj {
 
+// How many differences a fast path decoded, and where the reader goes on.
+struct Differences {
+  int64_t count;
+  const uint8_t* next;
+};
+
 struct HuffmanDecodeKernels {
-  // Decodes a baseline block without a fault. Otherwise, or near a marker or the end of the source, it declines: false,
-  // with only the block changed.
-  bool (*block)(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state, int16_t* block,
-                int16_t& lastDc, const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec);
-  // Decodes differences of the lossless process, components in turn, `count` at the most. Returns how many it did.
-  int64_t (*differences)(const uint8_t* source, int32_t length, int32_t& position, HuffmanDecodeState& state,
-                         int16_t* const rows[], int64_t count, int32_t components,
-                         const HuffmanDecodeSpec* const specs[]);
+  // Decodes a baseline block without a fault, but for its DC difference, which is not added to the last DC value yet.
+  // Returns where the reader goes on. Otherwise, or near a marker or the end of the source, it declines: null, with
+  // only the block changed.
+  const uint8_t* (*block)(const uint8_t* next, const uint8_t* end, HuffmanDecodeState& state, int16_t* block,
+                          const HuffmanDecodeSpec& dcSpec, const HuffmanDecodeSpec& acSpec);
+  // Decodes differences of the lossless process, components in turn, `count` at the most.
+  Differences (*differences)(const uint8_t* next, const uint8_t* end, HuffmanDecodeState& state, int16_t* const rows[],
+                             int64_t count, int32_t components, const HuffmanDecodeSpec* const specs[]);
 };
 
 const HuffmanDecodeKernels& huffmanDecodeKernels();

@@ -88,8 +88,10 @@ StatusCode decodeRow(SourceBytes& source, HuffmanDecodeState& state, int16_t* co
   const int64_t count = int64_t{samples} * components;
   int64_t i = 0;
   if (canDecodeFast(source.length, source.position, source.marker)) {
-    i = huffmanDecodeKernels().differences(source.bytes, source.length, source.position, state, rows, count, components,
-                                           specs);
+    const Differences done = huffmanDecodeKernels().differences(
+        source.bytes + source.position, source.bytes + source.length, state, rows, count, components, specs);
+    i = done.count;
+    source.position = static_cast<int32_t>(done.next - source.bytes);
   }
   BitReader reader(source, state);
   StatusCode status = StatusOk;
@@ -125,9 +127,15 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int
   if (anyNull(pSrc)) return StatusNullPointer;
   if (srcLength < 0) return StatusBadArgument;
   if (anyNull(pSrcPosition, pDst, pLastDC, pMarker, pDcSpec, pAcSpec, pState)) return StatusNullPointer;
-  if (canDecodeFast(srcLength, *pSrcPosition, *pMarker) &&
-      huffmanDecodeKernels().block(pSrc, srcLength, *pSrcPosition, *pState, pDst, *pLastDC, *pDcSpec, *pAcSpec)) {
-    return StatusOk;
+  if (canDecodeFast(srcLength, *pSrcPosition, *pMarker)) [[likely]] {
+    const uint8_t* const next =
+        huffmanDecodeKernels().block(pSrc + *pSrcPosition, pSrc + srcLength, *pState, pDst, *pDcSpec, *pAcSpec);
+    if (next) [[likely]] {
+      *pSrcPosition = static_cast<int32_t>(next - pSrc);
+      *pLastDC = static_cast<int16_t>(*pLastDC + loadUnaligned(pDst));
+      storeUnaligned(pDst, *pLastDC);
+      return StatusOk;
+    }
   }
   BitReader reader({pSrc, srcLength, *pSrcPosition, *pMarker}, *pState);
   const BlockResult result = decodeBlock(reader, pDst, *pLastDC, *pDcSpec, *pAcSpec, pState->lastPosition);

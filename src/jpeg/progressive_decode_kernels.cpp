@@ -62,10 +62,6 @@ HWY_INLINE StatusCode decodeFirst(BitReader& reader, uint32_t& eobRun, int16_t* 
 
 StatusCode decodeAcFirst(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
                          int16_t* block, SpectralBand band, const HuffmanDecodeSpec& spec) {
-  if (state.eobRun > 0) {
-    --state.eobRun;
-    return StatusOk;
-  }
   BitReader reader(source, state);
   const StatusCode status = decodeFirst(reader, state.eobRun, block, band, spec);
   reader.finish(position, marker, state);

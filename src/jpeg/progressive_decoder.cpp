@@ -19,22 +19,32 @@ StatusCode decodeDcFirst(BitReader& reader, int16_t* block, int16_t& lastDc, int
   return StatusOk;
 }
 
+void refineDc(int16_t* block, uint32_t bit, int32_t shift) {
+  storeUnaligned(block, static_cast<int16_t>(loadUnaligned(block) | bit << shift));
+}
+
 StatusCode decodeDcRefine(BitReader& reader, int16_t* block, int32_t shift) {
   if (const StatusCode status = reader.require(1)) return status;
-  storeUnaligned(block, static_cast<int16_t>(loadUnaligned(block) | reader.take(1) << shift));
+  refineDc(block, reader.take(1), shift);
   return StatusOk;
 }
 
-using AcDecoder = decltype(ProgressiveDecodeKernels::acFirst);
+// The same where the state holds the bit: nothing is to be read.
+bool refinesDcFromHeld(HuffmanDecodeState& state, int16_t* block, int32_t shift) {
+  if (state.bitCount < 1) return false;
+  --state.bitCount;
+  refineDc(block, state.bitBuffer >> state.bitCount & 1, shift);
+  return true;
+}
 
-StatusCode decodeAc(const uint8_t* src, int32_t length, int32_t* position, int16_t* block, int32_t* marker,
-                    SpectralBand band, const HuffmanDecodeSpec* spec, HuffmanDecodeState* state, AcDecoder decode) {
+StatusCode checkAc(const uint8_t* src, int32_t length, const int32_t* position, const int16_t* block,
+                   const int32_t* marker, SpectralBand band, const HuffmanDecodeSpec* spec,
+                   const HuffmanDecodeState* state) {
   if (anyNull(src)) return StatusNullPointer;
   if (length < 1) return StatusBadSize;
   if (anyNull(position, block, marker)) return StatusNullPointer;
   if (!band.isLegal()) return StatusBadArgument;
-  if (anyNull(spec, state)) return StatusNullPointer;
-  return decode({src, length, *position, *marker}, *position, *marker, *state, block, band, *spec);
+  return anyNull(spec, state) ? StatusNullPointer : StatusOk;
 }
 
 }  // namespace
@@ -66,6 +76,7 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(const uint8_t* 
   if (anyNull(pSrcPosition, pDst, pMarker)) return StatusNullPointer;
   if (!isPointTransform(Al)) return StatusBadArgument;
   if (anyNull(pState)) return StatusNullPointer;
+  if (refinesDcFromHeld(*pState, pDst, Al)) return StatusOk;
   BitReader reader({pSrc, srcLength, *pSrcPosition, *pMarker}, *pState);
   const StatusCode status = decodeDcRefine(reader, pDst, Al);
   reader.finish(*pSrcPosition, *pMarker, *pState);
@@ -77,8 +88,16 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(const uint8_t* p
                                                                 int32_t Ss, int32_t Se, int32_t Al,
                                                                 const HuffmanDecodeSpec* pAcSpec,
                                                                 HuffmanDecodeState* pState) {
-  return decodeAc(pSrc, srcLength, pSrcPosition, pDst, pMarker, {Ss, Se, Al}, pAcSpec, pState,
-                  progressiveDecodeKernels().acFirst);
+  const SpectralBand band = {Ss, Se, Al};
+  if (const StatusCode status = checkAc(pSrc, srcLength, pSrcPosition, pDst, pMarker, band, pAcSpec, pState)) {
+    return status;
+  }
+  if (pState->eobRun > 0) {
+    --pState->eobRun;
+    return StatusOk;
+  }
+  return progressiveDecodeKernels().acFirst({pSrc, srcLength, *pSrcPosition, *pMarker}, *pSrcPosition, *pMarker,
+                                            *pState, pDst, band, *pAcSpec);
 }
 
 StatusCode ZORJ_CALL zoriDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const uint8_t* pSrc, int32_t srcLength,
@@ -86,6 +105,10 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const uint8_t* 
                                                                  int32_t Ss, int32_t Se, int32_t Al,
                                                                  const HuffmanDecodeSpec* pAcSpec,
                                                                  HuffmanDecodeState* pState) {
-  return decodeAc(pSrc, srcLength, pSrcPosition, pDst, pMarker, {Ss, Se, Al}, pAcSpec, pState,
-                  progressiveDecodeKernels().acRefine);
+  const SpectralBand band = {Ss, Se, Al};
+  if (const StatusCode status = checkAc(pSrc, srcLength, pSrcPosition, pDst, pMarker, band, pAcSpec, pState)) {
+    return status;
+  }
+  return progressiveDecodeKernels().acRefine({pSrc, srcLength, *pSrcPosition, *pMarker}, *pSrcPosition, *pMarker,
+                                             *pState, pDst, band, *pAcSpec);
 }

@@ -49,10 +49,31 @@ HWY_INLINE uint64_t topBits(const BlockBytes& bytes) {
 }
 #endif
 
+#if HWY_TARGET <= HWY_AVX3
+// Which byte each byte of a block's flags comes from in zig-zag order.
+template <bool kReversed>
+alignas(64) constexpr std::array<uint8_t, kBlockSize> kZigzagBytes = [] {
+  std::array<uint8_t, kBlockSize> bytes{};
+  for (size_t k = 0; k < kBlockSize; ++k) bytes[k] = kNaturalOrder[kReversed ? kBlockSize - 1 - k : k];
+  return bytes;
+}();
+#endif
+
 // Which coefficients are not zero: bit k for zig-zag position k, reversed bit 63 - k.
 template <PointTransform kTransform, bool kReversed = false>
 HWY_INLINE uint64_t nonZeroMask(const int16_t* block, int32_t shift) {
-#if ZORJ_SIMD
+#if HWY_TARGET <= HWY_AVX3
+  const auto isNonZero = [shift](const int16_t* rows) HWY_ATTR {
+    const __m512i values = _mm512_loadu_si512(rows);
+    const __m512i transformed = kTransform == PointTransform::kNone
+                                    ? values
+                                    : _mm512_srl_epi16(_mm512_abs_epi16(values), _mm_cvtsi32_si128(shift));
+    return uint64_t{_mm512_test_epi16_mask(transformed, transformed)};
+  };
+  const __m512i flags = _mm512_movm_epi8(isNonZero(block) | isNonZero(block + kBlockSize / 2) << 32);
+  const __m512i order = _mm512_load_si512(kZigzagBytes<kReversed>.data());
+  return _mm512_movepi8_mask(_mm512_permutexvar_epi8(order, flags));
+#elif ZORJ_SIMD
   const __m128i count = _mm_cvtsi32_si128(shift);
   const auto zeros = [count](const int16_t* row) HWY_ATTR {
     const __m128i values = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row));

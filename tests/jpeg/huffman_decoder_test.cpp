@@ -113,6 +113,28 @@ TEST(HuffmanDecoder, LosslessRowsAndValuesEqualModel) {
   }
 }
 
+// Rows long enough for differences to be decoded two at a time, ending anywhere.
+TEST(HuffmanDecoder, LongLosslessRowsOfOneTableEqualModel) {
+  Random random(5);
+  for (int round = 0; round < 60; ++round) {
+    const auto components = static_cast<int32_t>(random.between(1, 4));
+    const auto samples = static_cast<size_t>(random.between(500, 800) / components + 1);
+    const std::vector<Table> tables(1,
+                                    Table(round % 3 == 0 ? randomLists(random, firstSymbols(17)) : typicalDcLists()));
+    std::vector<int16_t> values(samples * static_cast<size_t>(components) * 3);
+    const int64_t largest = round % 2 == 0 ? 3 : 20;
+    for (int16_t& value : values) {
+      value = static_cast<int16_t>(random.between(-largest, largest) * (random.oneIn(50) ? 100 : 1));
+    }
+    const Bytes stream = streamOf([&](reference::HuffmanWriter& writer) {
+      for (const int16_t value : values) tables[0].encoder.putDifference(writer, value);
+    });
+    const DecoderCalls rows = rowCalls(4, samples, components, tables);
+    expectReadsEqualModelOnVariants("long rows, round " + std::to_string(round), stream, rows.subject, rows.model, 0,
+                                    3);
+  }
+}
+
 // Lists with more codes than fit are accepted where the excess is of more than 8 bits. Whatever such tables decode to,
 // it is the same at every level, and inside the list of symbols.
 TEST(HuffmanDecoder, OversubscribedTablesAreSafe) {

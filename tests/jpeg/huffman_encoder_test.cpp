@@ -69,6 +69,7 @@ TEST(HuffmanEncoder, LosslessRowsAndValuesEqualModel) {
       rows.emplace_back(static_cast<size_t>(samples));
       fillSamples(rows.back().data(), rows.back().size(), random, round % 3 == 0 ? 2 : round + c);
     }
+    if (round % 2 == 0) tables.erase(tables.begin() + 1, tables.end());
     const auto lengths = [round](const EncoderCalls& calls) {
       return round % 8 == 0 ? lengthsToTry(calls) : std::vector<int32_t>{9000, 70, 24, 9};
     };

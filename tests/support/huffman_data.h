@@ -59,6 +59,12 @@ inline std::vector<uint8_t> firstSymbols(size_t count) {
   return symbols;
 }
 
+// A component's table; components without one of their own share the first.
+template <class Table>
+const Table& tableOf(const std::vector<Table>& tables, size_t component) {
+  return tables[component < tables.size() ? component : 0];
+}
+
 // A quantised block as photographs give them: amplitudes fall with the frequency; `detail` is about the standard
 // deviation of the first AC coefficients.
 inline Block photographicBlock(Random& random, double detail) {

@@ -169,7 +169,8 @@ inline DecoderCalls rowCalls(int count, size_t samples, int32_t components, cons
   return statefulCalls(
       count,
       [=, &tables](const uint8_t* source, int32_t length, SubjectReader& reader, Trace& trace) {
-        const HuffmanDecodeSpec* specs[4] = {&tables[0].spec, &tables[1].spec, &tables[2].spec, &tables[3].spec};
+        const HuffmanDecodeSpec* specs[4] = {&tableOf(tables, 0).spec, &tableOf(tables, 1).spec,
+                                             &tableOf(tables, 2).spec, &tableOf(tables, 3).spec};
         std::vector<int16_t> rows[4];
         int16_t* pointers[4];
         for (size_t c = 0; c < 4; ++c) {
@@ -188,7 +189,7 @@ inline DecoderCalls rowCalls(int count, size_t samples, int32_t components, cons
         for (auto& row : rows) row.assign(samples, 0x5A5A);
         StatusCode status = StatusOk;
         for (size_t i = 0; status == StatusOk && i < samples * used; ++i) {
-          status = reference::decodeDifference(reader.bits, tables[i % used].model, rows[i % used][i / used]);
+          status = reference::decodeDifference(reader.bits, tableOf(tables, i % used).model, rows[i % used][i / used]);
         }
         for (const auto& row : rows) trace.insert(trace.end(), row.begin(), row.end());
         return status;

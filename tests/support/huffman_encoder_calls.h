@@ -147,7 +147,8 @@ inline EncoderCalls rowCalls(size_t count, const std::vector<std::vector<int16_t
       [=, &rows, &tables](size_t i, uint8_t* dst, int32_t length, int32_t* position, int16_t&,
                           HuffmanEncodeState* state) {
         const int16_t* const pointers[4] = {rows[0].data(), rows[1].data(), rows[2].data(), rows[3].data()};
-        const HuffmanEncodeSpec* const specs[4] = {&tables[0].spec, &tables[1].spec, &tables[2].spec, &tables[3].spec};
+        const HuffmanEncodeSpec* const specs[4] = {&tableOf(tables, 0).spec, &tableOf(tables, 1).spec,
+                                                   &tableOf(tables, 2).spec, &tableOf(tables, 3).spec};
         return zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(i == count ? nullptr : pointers, samples, components, dst, length,
                                                     position, specs, state, i == count);
       },
@@ -155,7 +156,8 @@ inline EncoderCalls rowCalls(size_t count, const std::vector<std::vector<int16_t
         if (call == count) return encoder.writer.flush();
         const auto used = std::min<size_t>(static_cast<size_t>(components), 4);
         for (size_t i = 0; i < rows[0].size() * used; ++i) {
-          const StatusCode status = tables[i % used].model.putDifference(encoder.writer, rows[i % used][i / used]);
+          const StatusCode status =
+              tableOf(tables, i % used).model.putDifference(encoder.writer, rows[i % used][i / used]);
           if (status != StatusOk) return status;
         }
         return StatusOk;
