@@ -64,8 +64,10 @@ class Arena {
   enum class Bytes { kAll, kForbidden, kPublic };
   std::string changed(const Contents& before, Bytes bytes) const;
 
-  // The allocations from now on that are to fail: all of them, or the n-th (from 0).
+  // The n-th allocation of the library from now on, from 0, is to fail; below 0 none.
   void failAllocation(int number) { allocationToFail_ = number; }
+  // How many there have been since keep().
+  int allocations() const { return static_cast<int>(pieces_.size() - kept_); }
   // What the library holds that it has allocated since keep(), less what it has released since.
   int liveAllocations() const;
   bool releasedUnknown() const { return releasedUnknown_; }

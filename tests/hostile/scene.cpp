@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <regex>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -33,10 +32,10 @@ int16_t coefficient(size_t i) { return static_cast<int16_t>(i % 5 == 0 ? static_
 
 // Channels of the pixels of the source or the destination, from a name like ..._C3P3R.
 size_t channels(const std::string& name, bool ofSource) {
-  std::smatch match;
-  if (!std::regex_search(name, match, std::regex("_([CP])(\\d)(?:([CP])(\\d))?I?R?$"))) return 1;
-  const int group = ofSource || !match[3].matched ? 1 : 3;
-  return match[group] == "C" ? static_cast<size_t>(match[group + 1].str()[0] - '0') : 1;
+  const std::string layout = name.substr(name.rfind('_') + 1);
+  const bool hasTwo = layout.size() >= 4 && (layout[2] == 'C' || layout[2] == 'P');
+  const size_t at = hasTwo && !ofSource ? 2 : 0;
+  return layout[at] == 'C' ? static_cast<size_t>(layout[at + 1] - '0') : 1;
 }
 
 }  // namespace
@@ -226,9 +225,9 @@ Scene::Region Scene::regionOf(const Parameter& parameter, int index) {
   if (contains(name, "Table")) return {1, 64 * element};
   if (function_.has("zoriWT")) return waveletRegion(parameter);
   if (function_.has("PCT")) {
-    std::smatch match;
-    if (!std::regex_search(function_.name, match, std::regex("PCT\\w{3}?(\\d+)x(\\d+)"))) return imageRegion(parameter);
-    return {std::stoul(match[2]), std::stoul(match[1]) * element};
+    unsigned columns = 0, rows = 0;  // 8x16 and the like
+    if (std::sscanf(function_.name.c_str(), "zoriPCT%*3s%ux%u", &columns, &rows) != 2) return imageRegion(parameter);
+    return {rows, columns * element};
   }
   if (function_.has("Row")) {
     const bool isDst = name == "pDst";
