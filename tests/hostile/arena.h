@@ -27,6 +27,7 @@ class Piece {
   void allowAll() { std::fill(allowed_.begin(), allowed_.end(), 1); }
   // Says that what a call leaves there is its own affair.
   void makePrivate() { isPrivate_ = true; }
+  bool isPrivate() const { return isPrivate_; }
 
  private:
   friend class Arena;

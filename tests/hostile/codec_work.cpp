@@ -90,12 +90,12 @@ class Works {
     addJpeg2kPair("of 12 bits", deep_, lossless);
     jpeg2k::EncodeOptions lossy = lossless;
     lossy.ratio = 8;
-    lossy.layers = 3;
-    lossy.tile = {64, 48};
+    lossy.layers = 2;
+    lossy.levels = 3;
+    lossy.tile = {32, 40};
     lossy.precinct = {32, 32};
-    lossy.block = {16, 32};
     lossy.style = jpeg2k::block_style::bypass | jpeg2k::block_style::segsym;
-    addJpeg2kPair("lossy", colours_, lossy);
+    addJpeg2kPair("lossy", interop::picture(60, 40, 3), lossy);
   }
   template <class Image>
   void addJpeg2kPair(const std::string& name, const Image& image, const jpeg2k::EncodeOptions& options) {

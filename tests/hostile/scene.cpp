@@ -113,6 +113,7 @@ void Scene::addParameter(const Parameter& parameter) {
       const int count = parameter.count ? parameter.count : 4;
       const size_t bytes = pointers ? sizeof(void*) : parameter.elementSize;
       Piece& piece = arena_.add(parameter.name, bytes * static_cast<size_t>(count));
+      if (pointers) piece.makePrivate();  // addresses differ from run to run
       add(true, &piece, false, valueOf(piece.data()));
       const std::vector<int32_t> steps = std::exchange(steps_, {});
       for (int i = 0; i < count; ++i) {
