@@ -265,5 +265,23 @@ TEST(Hostile, ArgumentsOfEveryExport) {
     std::printf("not called, undefined: %d, %s\n", count, why.c_str());
 }
 
+// The core library has six functions, and two of them take numbers.
+TEST(Hostile, ArgumentsOfTheCoreLibrary) {
+  for (const int32_t length : {0, -1, INT32_MIN}) EXPECT_EQ(zorMalloc(length), nullptr) << length;
+  zorFree(zorMalloc(INT32_MAX));
+  zorFree(nullptr);
+  EXPECT_EQ(zorGetMaxCacheSizeB(nullptr), -1);
+  zorSetAllocator(nullptr);
+  Arena arena;
+  const Export& function = exportNamed("zoriSub128_JPEG_8u16s_C1R");
+  Scene scene(function, {4, 20000}, arena);
+  for (const int threads : {0, -1, INT32_MIN, INT32_MAX}) {
+    zorSetNumThreads(threads);
+    EXPECT_GE(ownGetNumThreads(), 1) << threads;
+    EXPECT_EQ(callWith(function, scene, arena, {}, function.name), StatusOk) << threads;
+  }
+  zorSetNumThreads(0);
+}
+
 }  // namespace
 }  // namespace zorj::test
