@@ -13,12 +13,12 @@ namespace examples {
 namespace {
 
 // PNG files have samples of 8 or 16 bits, or of fewer than these libraries write.
-void writeScaledPng(const Image& image, OutputFile& file) { writePng(image, file); }
+void writeScaledPng(const Image& image, OutputFile& file) { writePng(image, file.stream()); }
 void writeScaledPng(const DeepImage& image, OutputFile& file) {
   if (image.precision <= 8) {
-    writePng(withPrecision<uint8_t>(image, 8), file);
+    writePng(withPrecision<uint8_t>(image, 8), file.stream());
   } else {
-    writePng(withPrecision<uint16_t>(image, 16), file);
+    writePng(withPrecision<uint16_t>(image, 16), file.stream());
   }
 }
 

@@ -88,9 +88,9 @@ int colourType(const BasicImage<Sample>& image) {
 }
 
 template <class Sample>
-bool writePixels(png_structp png, png_infop info, OutputFile& file, const BasicImage<Sample>& image) {
+bool writePixels(png_structp png, png_infop info, std::FILE* file, const BasicImage<Sample>& image) {
   if (setjmp(png_jmpbuf(png))) return false;  // NOLINT(cert-err52-cpp): it is libpng's way
-  png_init_io(png, file.stream());
+  png_init_io(png, file);
   png_set_IHDR(png, info, static_cast<png_uint_32>(image.width), static_cast<png_uint_32>(image.height),
                image.precision, colourType(image), PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
                PNG_FILTER_TYPE_DEFAULT);
@@ -131,7 +131,7 @@ DeepImage readPng(std::span<const uint8_t> bytes, Opacity opacity) {
 }
 
 template <class Sample>
-void writePng(const BasicImage<Sample>& image, OutputFile& file) {
+void writePng(const BasicImage<Sample>& image, std::FILE* file) {
   Message message;
   png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, &message, keepMessage, ignoreWarning);
   if (!png) throw Error("libpng could not start");
@@ -141,7 +141,7 @@ void writePng(const BasicImage<Sample>& image, OutputFile& file) {
   if (!done) throw Error(message.text);
 }
 
-template void writePng(const Image&, OutputFile&);
-template void writePng(const DeepImage&, OutputFile&);
+template void writePng(const Image&, std::FILE*);
+template void writePng(const DeepImage&, std::FILE*);
 
 }  // namespace examples

@@ -1,9 +1,10 @@
 // PNG files through libpng.
 #pragma once
 
+#include <cstdint>
+#include <cstdio>
 #include <span>
 
-#include "common/files.h"
 #include "common/image.h"
 
 namespace examples {
@@ -16,6 +17,6 @@ bool isPng(std::span<const uint8_t> bytes);
 DeepImage readPng(std::span<const uint8_t> bytes, Opacity opacity);
 // Samples of 8 or 16 bits; all kinds of image but CMYK.
 template <class Sample>
-void writePng(const BasicImage<Sample>& image, OutputFile& file);
+void writePng(const BasicImage<Sample>& image, std::FILE* file);
 
 }  // namespace examples

@@ -125,6 +125,15 @@ DeepImage reduced(const DeepImage& image, int32_t scale) {
   return result;
 }
 
+// The library truncates samples of 12 bits: half of one, eight times in the DC coefficient, makes that rounding.
+void inverseTransformRounded(const int16_t* block, uint16_t dcStep, const float (&multipliers)[64], uint16_t* samples,
+                             int32_t step) {
+  int16_t coefficients[64];
+  std::copy_n(block, 64, coefficients);
+  coefficients[0] = static_cast<int16_t>(std::clamp(block[0] * dcStep + 8 / 2, -32768, 32767));
+  zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(coefficients, samples, step, multipliers);
+}
+
 }  // namespace
 
 std::vector<SamplePlane> inverseTransformDeep(CoefficientImage& coefficients) {
@@ -139,12 +148,13 @@ std::vector<SamplePlane> inverseTransformDeep(CoefficientImage& coefficients) {
     const QuantTable& steps = coefficients.quantTables[c];
     float multipliers[64];
     std::copy(steps.begin(), steps.end(), multipliers);
+    multipliers[0] = 1;
     for (int32_t y = 0; y < plane.height; y += 8) {
       for (int32_t x = 0; x < plane.width; x += 8) {
         const int16_t* const block = blocks.at(x / 8, y / 8).values;
         uint16_t* const samples = plane.samples.data() + ptrdiff_t{y} * plane.width + x;
         if (frame.precision == 12) {
-          zoriDCTQuantInv8x8LS_JPEG_16s16u_C1R(block, samples, step, multipliers);
+          inverseTransformRounded(block, steps[0], multipliers, samples, step);
           continue;
         }
         uint8_t bytes[64];

@@ -92,7 +92,7 @@ TEST(TwelveBits, ReturnPicturesAsGoodAsTheirSteps) {
         EXPECT_EQ(jpeg::decode(file, {}, decoded).problem, "");
         ASSERT_EQ(decoded.precision, 12);
         if (sampling == jpeg::Sampling::s444) {
-          EXPECT_LE(worstDifference(image, decoded), channels == 1 ? 3 : 8);
+          EXPECT_LE(worstDifference(image, decoded), channels == 1 ? 2 : 4);
         }
         jpeg::DecodeOptions half;
         half.scale = 2;
