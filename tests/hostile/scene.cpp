@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <set>
 #include <string_view>
 #include <utility>
 
@@ -148,10 +147,10 @@ Value Scene::addTarget(const Parameter& parameter, int index) {
   Piece& piece = arena_.add(name, step * (rows - 1) + rowBytes, slack);
   if (parameter.name == "pBuffer" || parameter.name == "pState") piece.makePrivate();
   const size_t origin = region.rowsAround * step + region.bytesAround;
-  const bool isDst = !contains(parameter.name, "Src") && parameter.name.size() > 2;
-  const bool hasContents = parameter.isRead || !isDst || contains(parameter.name, "Raw") ||
-                           contains(parameter.name, "Statistics") || isSingleValue(parameter) ||
-                           function_.has("DecodeHuffman8x8");
+  // What is written is also read before in samples in place, the rows pA to pE, counters, and blocks that are refined.
+  const bool hasContents = parameter.isRead || contains(parameter.name, "Src") || parameter.name.size() == 2 ||
+                           contains(parameter.name, "Raw") || contains(parameter.name, "Statistics") ||
+                           isSingleValue(parameter) || function_.has("DecodeHuffman8x8");
   for (size_t y = 0; y < rows && hasContents; ++y) fill(parameter, piece.data() + y * step, rowBytes);
   for (size_t y = 0; y < region.rows && !parameter.isRead; ++y) piece.allow(origin + y * step, region.rowBytes);
   steps_.push_back(static_cast<int32_t>(step));
@@ -171,27 +170,10 @@ void Scene::addElements(const Parameter& parameter, Piece& piece, const std::vec
 }
 
 bool Scene::isSingleValue(const Parameter& parameter) const {
-  static const std::set<std::string> kNames = {"pSize",
-                                               "pNbp",
-                                               "pNPasses",
-                                               "pNSegments",
-                                               "pPlane",
-                                               "pRate",
-                                               "pLen",
-                                               "pDist",
-                                               "pNotFinished",
-                                               "pErrorPlane",
-                                               "pMarker",
-                                               "pSrcPosition",
-                                               "pDstPosition",
-                                               "pLastDC",
-                                               "pDstLen",
-                                               "pPrefetchedBits",
-                                               "pPrefetchedCount",
-                                               "pSegLen",
-                                               "pSrcBitPosition",
-                                               "pDstBitPosition"};
-  return kNames.contains(parameter.name);
+  constexpr std::string_view kNames =
+      " pSize pNbp pNPasses pNSegments pPlane pRate pLen pDist pNotFinished pErrorPlane pMarker pLastDC pDstLen pSegLen"
+      " pSrcPosition pDstPosition pSrcBitPosition pDstBitPosition pPrefetchedBits pPrefetchedCount ";
+  return contains(kNames, " " + parameter.name + " ");
 }
 
 Scene::Region Scene::regionOf(const Parameter& parameter, int index) {
@@ -213,12 +195,11 @@ Scene::Region Scene::regionOf(const Parameter& parameter, int index) {
     return {1, static_cast<size_t>(bytes)};
   }
   const bool isCoded = function_.has("1u") || function_.has("Bits") || function_.has("Step_");
-  if (isCoded && contains(name, function_.has("Decode") || function_.has("Unpack") ? "pS" : "pDst") && element == 1) {
-    if (!function_.has("Decode") && !function_.has("Unpack")) {
-      if (function_.has("Huffman")) return {1, 16 * width + 400};
-      return {1, function_.has("Pack") ? width + (width + 127) / 128 : 8 * width * static_cast<size_t>(size_.height)};
-    }
-    return {1, codedBytes().size()};
+  const bool decodes = function_.has("Decode") || function_.has("Unpack");
+  if (isCoded && element == 1 && decodes && contains(name, "pS")) return {1, codedBytes().size()};
+  if (isCoded && element == 1 && !decodes && name == "pDst") {
+    if (function_.has("Huffman")) return {1, 16 * width + 400};
+    return {1, function_.has("Pack") ? width + (width + 127) / 128 : 8 * width * static_cast<size_t>(size_.height)};
   }
   if (function_.has("One_JPEG")) return {1, element};
   if (function_.has("_MCU_")) return mcuRegion(parameter, index);
@@ -303,13 +284,14 @@ void Scene::fill(const Parameter& parameter, uint8_t* data, size_t bytes) {
   } else if (isSingleValue(parameter)) {
     std::memset(data, 0, bytes);
   } else if (contains(name, "Statistics")) {
-    for (size_t i = 0; i < 256 && parameter.isRead; ++i) data[i * 4] = static_cast<uint8_t>(i * 7 % 50 + 1);
-    for (size_t i = 0; i < bytes; ++i) data[i] = parameter.isRead && i % 4 == 0 ? data[i] : 0;
+    std::memset(data, 0, bytes);
+    for (size_t i = 0; i < bytes && parameter.isRead; i += 4) data[i] = static_cast<uint8_t>(i * 7 % 50 + 1);
   } else if (parameter.isRead && bytes == coded_.size() && parameter.elementSize == 1) {
     std::memcpy(data, coded_.data(), bytes);
   } else if (function_.has("Huffman") && parameter.elementSize == 2) {
+    const int unknown = parameter.isRead ? 1 : 2;  // a block to be refined lacks the lowest bit
     for (size_t i = 0; i < bytes / 2; ++i) {
-      const auto value = static_cast<int16_t>(coefficient(i) / (parameter.isRead ? 1 : 2) * (parameter.isRead ? 1 : 2));
+      const auto value = static_cast<int16_t>(coefficient(i) / unknown * unknown);
       std::memcpy(data + 2 * i, &value, sizeof value);
     }
   } else if (parameter.type == "float") {
