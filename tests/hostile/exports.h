@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -24,11 +25,11 @@ inline Value valueOf(const void* pointer) { return static_cast<Value>(reinterpre
 enum class Kind { kValue, kStep, kPointer, kPointers, kValues, kObject, kCreated };
 
 struct Parameter {
-  std::string name;
+  std::string_view name;
   Kind kind;
-  std::string type = {};   // what a pointer leads to
-  size_t elementSize = 0;  // its size, 0 if opaque
-  bool isRead = false;     // and not written
+  std::string_view type = {};  // what a pointer leads to
+  size_t elementSize = 0;      // its size, 0 if opaque
+  bool isRead = false;         // and not written
   bool nullable = false;
   int count = 0;  // of an array, 0 if not told
 };

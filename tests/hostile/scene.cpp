@@ -84,7 +84,7 @@ void Scene::addParameter(const Parameter& parameter) {
   const size_t argument = arguments_.size();
   arguments_.push_back(0);
   const auto add = [&](bool isPointer, Piece* target, bool isSamples, Value value) {
-    places_.push_back({parameter.name, &parameter, isPointer, target, isSamples, argument});
+    places_.push_back({std::string(parameter.name), &parameter, isPointer, target, isSamples, argument});
     arguments_[argument] = value;
   };
   switch (parameter.kind) {
@@ -93,9 +93,9 @@ void Scene::addParameter(const Parameter& parameter) {
     case Kind::kStep:
       return add(false, nullptr, false, steps_.front());
     case Kind::kObject:
-      return add(true, nullptr, false, object(parameter.type));
+      return add(true, nullptr, false, object(std::string(parameter.type)));
     case Kind::kCreated: {
-      Piece& piece = arena_.add(parameter.name, sizeof(void*));
+      Piece& piece = arena_.add(std::string(parameter.name), sizeof(void*));
       piece.allowAll();
       piece.makePrivate();
       return add(true, &piece, false, valueOf(piece.data()));
@@ -111,18 +111,23 @@ void Scene::addParameter(const Parameter& parameter) {
       const bool pointers = parameter.kind == Kind::kPointers;
       const int count = parameter.count ? parameter.count : 4;
       const size_t bytes = pointers ? sizeof(void*) : parameter.elementSize;
-      Piece& piece = arena_.add(parameter.name, bytes * static_cast<size_t>(count));
+      Piece& piece = arena_.add(std::string(parameter.name), bytes * static_cast<size_t>(count));
       if (pointers) piece.makePrivate();  // addresses differ from run to run
       add(true, &piece, false, valueOf(piece.data()));
       const std::vector<int32_t> steps = std::exchange(steps_, {});
       for (int i = 0; i < count; ++i) {
-        Place element{parameter.name + "[" + std::to_string(i) + "]", &parameter, pointers, nullptr, false, argument};
+        Place element{std::string(parameter.name) + "[" + std::to_string(i) + "]",
+                      &parameter,
+                      pointers,
+                      nullptr,
+                      false,
+                      argument};
         element.memory = piece.data() + static_cast<size_t>(i) * bytes;
         element.bytes = bytes;
         if (!pointers) {
           set(element, steps[static_cast<size_t>(i)]);
         } else if (parameter.elementSize == 0) {
-          set(element, object(parameter.type));
+          set(element, object(std::string(parameter.type)));
         } else {
           set(element, addTarget(parameter, i));
           element.target = arena_.pieces().back().get();
@@ -143,7 +148,7 @@ Value Scene::addTarget(const Parameter& parameter, int index) {
   const size_t step = rowBytes + (rows > 1 ? kPadding : 0);
   // Where a step may be negative, a row can lie a few bytes before the one above.
   const size_t slack = contains(function_.name, "Texture") || contains(function_.name, "PCT") ? 64 + region.rows : 1;
-  const std::string name = parameter.name + (parameter.count ? "[" + std::to_string(index) + "]" : "");
+  const std::string name = std::string(parameter.name) + (parameter.count ? "[" + std::to_string(index) + "]" : "");
   Piece& piece = arena_.add(name, step * (rows - 1) + rowBytes, slack);
   if (parameter.name == "pBuffer" || parameter.name == "pState") piece.makePrivate();
   const size_t origin = region.rowsAround * step + region.bytesAround;
@@ -154,11 +159,11 @@ Value Scene::addTarget(const Parameter& parameter, int index) {
   for (size_t y = 0; y < rows && hasContents; ++y) fill(parameter, piece.data() + y * step, rowBytes);
   for (size_t y = 0; y < region.rows && !parameter.isRead; ++y) piece.allow(origin + y * step, region.rowBytes);
   steps_.push_back(static_cast<int32_t>(step));
-  lengths_[parameter.name] = static_cast<int32_t>(piece.size());
+  lengths_[std::string(parameter.name)] = static_cast<int32_t>(piece.size());
   if (parameter.type == "TileRect") {
     addElements(parameter, piece, {"pTile.x", "pTile.y", "pTile.width", "pTile.height"}, sizeof(int32_t));
   } else if (isSingleValue(parameter) && parameter.elementSize < 8) {
-    addElements(parameter, piece, {"*" + parameter.name}, parameter.elementSize);
+    addElements(parameter, piece, {"*" + std::string(parameter.name)}, parameter.elementSize);
   }
   return valueOf(piece.data() + origin);
 }
@@ -173,11 +178,11 @@ bool Scene::isSingleValue(const Parameter& parameter) const {
   constexpr std::string_view kNames =
       " pSize pNbp pNPasses pNSegments pPlane pRate pLen pDist pNotFinished pErrorPlane pMarker pLastDC pDstLen pSegLen"
       " pSrcPosition pDstPosition pSrcBitPosition pDstBitPosition pPrefetchedBits pPrefetchedCount ";
-  return contains(kNames, " " + parameter.name + " ");
+  return contains(kNames, " " + std::string(parameter.name) + " ");
 }
 
 Scene::Region Scene::regionOf(const Parameter& parameter, int index) {
-  const std::string& name = parameter.name;
+  const std::string_view name = parameter.name;
   const size_t element = parameter.elementSize, width = static_cast<size_t>(size_.width);
   if (isSingleValue(parameter) || parameter.type == "TileRect") return {1, element};
   if (name == "pBits") return {1, 16};
@@ -269,7 +274,7 @@ Scene::Region Scene::waveletRegion(const Parameter& parameter) const {
 }
 
 void Scene::fill(const Parameter& parameter, uint8_t* data, size_t bytes) {
-  const std::string& name = parameter.name;
+  const std::string_view name = parameter.name;
   const CodeList list;
   if (parameter.type == "TileRect") {
     const TileRect tile = {1, 0, size_.width, size_.height};
@@ -400,7 +405,7 @@ void Scene::encodeWith(const std::string& encoder) {
 }
 
 int32_t Scene::numberFor(const Parameter& parameter) const {
-  const std::string& name = parameter.name;
+  const std::string_view name = parameter.name;
   if (contains(name, ".width")) {
     return name == "srcRoiSize.width" && function_.has("SampleUpH2V1") ? (size_.width + 1) / 2 : size_.width;
   }
@@ -432,8 +437,8 @@ int32_t Scene::numberFor(const Parameter& parameter) const {
                                                           {"termMode", 0},
                                                           {"reserved", 0},
                                                           {"flags", 0}};
-  const auto found = kNumbers.find(name);
-  if (found == kNumbers.end()) stop("what is " + function_.name + "'s " + name + "?");
+  const auto found = kNumbers.find(std::string(name));
+  if (found == kNumbers.end()) stop("what is " + function_.name + "'s " + std::string(name) + "?");
   return found->second;
 }
 
