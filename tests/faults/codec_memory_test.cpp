@@ -42,18 +42,20 @@ void operator delete(void* memory) noexcept { release(memory); }
 void operator delete(void* memory, size_t) noexcept { release(memory); }
 void operator delete(void* memory, const std::nothrow_t&) noexcept { release(memory); }
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are the linker's
 extern "C" void* __real_calloc(size_t count, size_t size);
 extern "C" void* __wrap_calloc(size_t count, size_t size) {
   ++g_allocations;
   if (g_beforeFailure.load() >= 0 && g_beforeFailure.fetch_sub(1) == 0) return nullptr;
   return __real_calloc(count, size);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace zorj::test {
 namespace {
 
-const ZorAllocator kAllocator = {[](size_t bytes, size_t alignment, void*) { return allocate(bytes, alignment); },
-                                 [](void* memory, void*) { release(memory); }, nullptr};
+constexpr ZorAllocator kAllocator = {[](size_t bytes, size_t alignment, void*) { return allocate(bytes, alignment); },
+                                     [](void* memory, void*) { release(memory); }, nullptr};
 
 const CodecWork* g_work;
 std::vector<uint8_t>* g_result;
