@@ -7,7 +7,7 @@ for compilers in gcc:g++ clang:clang++; do
   for level in O3 O0; do
     name=${compilers%:*}-$level
     cmake -S "$source" -B "$build/$name" -G Ninja -D CMAKE_C_COMPILER="${compilers%:*}" -D CMAKE_CXX_COMPILER="${compilers#*:}" \
-      -D CMAKE_BUILD_TYPE=Compared -D CMAKE_C_FLAGS_COMPARED="-$level" -D CMAKE_CXX_FLAGS_COMPARED="-$level" \
+      -D CMAKE_BUILD_TYPE=Compared -D CMAKE_C_FLAGS_COMPARED="-$level" -D CMAKE_CXX_FLAGS_COMPARED="-$level -DHWY_IS_DEBUG_BUILD=0" \
       -D ZORJ_TESTS=ON -D ZORJ_EXAMPLES=ON >"$build/$name.configure.log"
     cmake --build "$build/$name" -j "$(nproc)" --target digests
     "$build/$name/bin/digests" >"$build/$name.txt" || failed=$name
