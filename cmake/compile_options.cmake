@@ -8,6 +8,10 @@ if(ZORJ_SANITIZE)
   target_link_options(zorj_options INTERFACE -fsanitize=${ZORJ_SANITIZE})
 endif()
 
+if(ZORJ_COVERAGE)
+  target_link_options(zorj_options INTERFACE -fprofile-instr-generate)
+endif()
+
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # x87 arithmetic would give other floats; callers may bring a stack aligned to 4 bytes only.
   target_compile_options(zorj_options INTERFACE -msse2 -mfpmath=sse -mstackrealign)
@@ -25,6 +29,10 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
 endif()
 
 
+if(ZORJ_COVERAGE)
+  target_compile_options(zorj_library_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+endif()
+
 # The same bytes wherever the source lies: no path of this machine in the libraries or their debug information.
 target_compile_options(zorj_library_options INTERFACE -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
                                                       -ffile-prefix-map=${CMAKE_BINARY_DIR}=./build)
@@ -35,7 +43,7 @@ else()
 endif()
 
 # Hardening that costs nothing in the kernels; the sanitizers bring their own checks.
-if(NOT WIN32 AND NOT ZORJ_SANITIZE)
+if(NOT WIN32 AND NOT ZORJ_SANITIZE AND NOT ZORJ_COVERAGE)
   target_compile_options(zorj_library_options INTERFACE -fstack-protector-strong -fstack-clash-protection -fcf-protection
                                                         -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
 endif()

@@ -11,12 +11,25 @@ bool anyPlaneNull(T* const planes[3]) {
   return anyNull(planes) || anyNull(planes[0], planes[1], planes[2]);
 }
 
+// Rows that lie next to each other in memory are transformed as one.
+RoiSize joined(RoiSize size, bool dense) {
+  const int64_t samples = int64_t{size.width} * size.height;
+  return dense && samples <= INT32_MAX ? RoiSize{static_cast<int32_t>(samples), 1} : size;
+}
+
+// Whether the rows of planes or of pixels of so many samples lie next to each other.
+template <class T>
+bool isDense(int32_t step, int32_t width, int32_t samples) {
+  return step == int64_t{width} * samples * int32_t{sizeof(T)};
+}
+
 // Rows are taken in order: a caller's planes may share memory in ways that only the order makes sense of.
 template <class T>
 StatusCode transformInPlace(T* const planes[3], int32_t step, RoiSize size, TransformPlanes<T> transformRow) {
   if (anyPlaneNull(planes)) return StatusNullPointer;
   if (step < 1) return StatusBadStep;
   if (isEmpty(size)) return StatusBadSize;
+  size = joined(size, isDense<T>(step, size.width, 1));
   for (int32_t y = 0; y < size.height; ++y) {
     transformRow(rowAt(planes[0], step, y), rowAt(planes[1], step, y), rowAt(planes[2], step, y),
                  static_cast<size_t>(size.width));
@@ -30,6 +43,7 @@ StatusCode transformPixels(const T* src, int32_t srcStep, T* const dst[3], int32
   if (anyNull(src) || anyPlaneNull(dst)) return StatusNullPointer;
   if (srcStep < 1 || dstStep < 1) return StatusBadStep;
   if (isEmpty(size)) return StatusBadSize;
+  size = joined(size, isDense<T>(srcStep, size.width, 3) && isDense<T>(dstStep, size.width, 1));
   for (int32_t y = 0; y < size.height; ++y) {
     transformRow(rowAt(src, srcStep, y), rowAt(dst[0], dstStep, y), rowAt(dst[1], dstStep, y),
                  rowAt(dst[2], dstStep, y), static_cast<size_t>(size.width));
@@ -43,6 +57,7 @@ StatusCode transformPlanes(const T* const src[3], int32_t srcStep, T* dst, int32
   if (anyNull(dst) || anyPlaneNull(src)) return StatusNullPointer;
   if (srcStep < 1 || dstStep < 1) return StatusBadStep;
   if (isEmpty(size)) return StatusBadSize;
+  size = joined(size, isDense<T>(srcStep, size.width, 1) && isDense<T>(dstStep, size.width, 3));
   for (int32_t y = 0; y < size.height; ++y) {
     transformRow(rowAt(src[0], srcStep, y), rowAt(src[1], srcStep, y), rowAt(src[2], srcStep, y),
                  rowAt(dst, dstStep, y), static_cast<size_t>(size.width));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "core/isa.h"
 #include "core/unaligned.h"
@@ -230,6 +231,90 @@ struct IctInverse16 {
 #endif
 };
 
+// ---- Pixels of three samples to three vectors, and back
+
+#if ZORJ_SIMD
+template <class D, class T, class V>
+HWY_INLINE void loadPixels(D d, const T* pixels, V& c0, V& c1, V& c2) {
+  hn::LoadInterleaved3(d, pixels, c0, c1, c2);
+}
+template <class D, class T, class V>
+HWY_INLINE void storePixels(V c0, V c1, V c2, D d, T* pixels) {
+  hn::StoreInterleaved3(c0, c1, c2, d, pixels);
+}
+
+#if HWY_TARGET <= HWY_AVX2
+// Three vectors of pixels of 32-bit samples hold a component in lanes that differ from vector to vector: blends gather
+// it, and one permutation sorts it.
+
+// Lanes 0, 3, 6... of a, 1, 4, 7... of b, 2, 5, 8... of c.
+#if HWY_TARGET == HWY_AVX2
+HWY_INLINE IntVector everyThird(IntVector a, IntVector b, IntVector c) {
+  return IntVector{_mm256_blend_epi32(_mm256_blend_epi32(a.raw, b.raw, 0x92), c.raw, 0x24)};
+}
+#else
+HWY_INLINE IntVector everyThird(IntVector a, IntVector b, IntVector c) {
+  return IntVector{_mm512_mask_blend_epi32(0x4924, _mm512_mask_blend_epi32(0x2492, a.raw, b.raw), c.raw)};
+}
+#endif
+
+constexpr size_t kInts = hn::MaxLanes(Ints());
+
+struct LaneOrder {
+  alignas(64) int32_t lanes[kInts];
+};
+
+// The lane in which each sample of a component is gathered, and the sample that each lane takes to be scattered.
+constexpr LaneOrder gathered(size_t component) {
+  LaneOrder order = {};
+  for (size_t i = 0; i < kInts; ++i) order.lanes[i] = static_cast<int32_t>((3 * i + component) % kInts);
+  return order;
+}
+constexpr LaneOrder scattered(size_t component) {
+  LaneOrder order = {};
+  for (size_t i = 0; i < kInts; ++i) order.lanes[(3 * i + component) % kInts] = static_cast<int32_t>(i);
+  return order;
+}
+constexpr LaneOrder kGathered[3] = {gathered(0), gathered(1), gathered(2)};
+constexpr LaneOrder kScattered[3] = {scattered(0), scattered(1), scattered(2)};
+
+HWY_INLINE IntVector reorder(IntVector v, const LaneOrder& order) {
+  return hn::TableLookupLanes(v, hn::SetTableIndices(Ints(), order.lanes));
+}
+
+HWY_INLINE void loadPixels(Ints d, const int32_t* pixels, IntVector& c0, IntVector& c1, IntVector& c2) {
+  auto v0 = hn::LoadU(d, pixels), v1 = hn::LoadU(d, pixels + kInts), v2 = hn::LoadU(d, pixels + 2 * kInts);
+#if HWY_TARGET <= HWY_AVX3
+  // GCC 12 would load each of them again for every blend.
+  asm("" : "+v"(v0.raw), "+v"(v1.raw), "+v"(v2.raw));
+#endif
+  if constexpr (kInts % 3 == 1) std::swap(v1, v2);
+  c0 = reorder(everyThird(v0, v1, v2), kGathered[0]);
+  c1 = reorder(everyThird(v2, v0, v1), kGathered[1]);
+  c2 = reorder(everyThird(v1, v2, v0), kGathered[2]);
+}
+HWY_INLINE void storePixels(IntVector c0, IntVector c1, IntVector c2, Ints d, int32_t* pixels) {
+  c0 = reorder(c0, kScattered[0]), c1 = reorder(c1, kScattered[1]), c2 = reorder(c2, kScattered[2]);
+  auto v0 = everyThird(c0, c1, c2), v1 = everyThird(c2, c0, c1), v2 = everyThird(c1, c2, c0);
+  if constexpr (kInts % 3 == 1) std::swap(v1, v2);
+  hn::StoreU(v0, d, pixels), hn::StoreU(v1, d, pixels + kInts), hn::StoreU(v2, d, pixels + 2 * kInts);
+}
+
+using Floats = hn::ScalableTag<float>;
+using FloatVector = hn::Vec<Floats>;
+
+HWY_INLINE void loadPixels(Floats d, const float* pixels, FloatVector& c0, FloatVector& c1, FloatVector& c2) {
+  IntVector i0, i1, i2;
+  loadPixels(Ints(), reinterpret_cast<const int32_t*>(pixels), i0, i1, i2);
+  c0 = hn::BitCast(d, i0), c1 = hn::BitCast(d, i1), c2 = hn::BitCast(d, i2);
+}
+HWY_INLINE void storePixels(FloatVector c0, FloatVector c1, FloatVector c2, Floats, float* pixels) {
+  const Ints d;
+  storePixels(hn::BitCast(d, c0), hn::BitCast(d, c1), hn::BitCast(d, c2), d, reinterpret_cast<int32_t*>(pixels));
+}
+#endif
+#endif
+
 // ---- Rows
 
 // What one sample is in the arithmetic above.
@@ -241,6 +326,13 @@ template <>
 struct SampleOf<int32_t> {
   using Type = uint32_t;
 };
+
+#if ZORJ_SIMD
+template <class T>
+size_t samplesToAlign(const T* at, size_t lanes) {
+  return (0 - reinterpret_cast<uintptr_t>(at)) / sizeof(T) % lanes;
+}
+#endif
 
 // Three planes.
 template <class T>
@@ -263,6 +355,9 @@ struct Planes {
   HWY_INLINE void store(D d, size_t x, V c0, V c1, V c2) const {
     hn::StoreU(c0, d, plane[0] + x), hn::StoreU(c1, d, plane[1] + x), hn::StoreU(c2, d, plane[2] + x);
   }
+  Planes from(size_t x) const { return {{plane[0] + x, plane[1] + x, plane[2] + x}}; }
+  // The first sample less than a vector away whose address is a multiple of a vector's size, if there is one.
+  size_t aligned(size_t lanes) const { return samplesToAlign(plane[0], lanes); }
 #endif
 };
 
@@ -281,29 +376,66 @@ struct Pixels {
 #if ZORJ_SIMD
   template <class D, class V>
   HWY_INLINE void load(D d, size_t x, V& c0, V& c1, V& c2) const {
-    hn::LoadInterleaved3(d, pixels + 3 * x, c0, c1, c2);
+    loadPixels(d, pixels + 3 * x, c0, c1, c2);
   }
   template <class D, class V>
   HWY_INLINE void store(D d, size_t x, V c0, V c1, V c2) const {
-    hn::StoreInterleaved3(c0, c1, c2, d, pixels + 3 * x);
+    storePixels(c0, c1, c2, d, pixels + 3 * x);
+  }
+  Pixels from(size_t x) const { return {pixels + 3 * x}; }
+  size_t aligned(size_t lanes) const {
+    constexpr size_t kThird = static_cast<size_t>(0xaaaaaaaaaaaaaaab);  // times 3 is 1
+    return samplesToAlign(pixels, lanes) * kThird % lanes;
   }
 #endif
 };
 
-template <class Transform, class T, class Source, class Destination>
-HWY_INLINE void transformRow(Source source, Destination destination, size_t width) {
-  size_t x = 0;
 #if ZORJ_SIMD
-  const hn::ScalableTag<T> d;
+// The vectors of a row but the first and the last one, from a sample on at which stores begin to be aligned, in pairs.
+template <class Transform, class D, class Source, class Destination>
+HWY_INLINE void transformVectors(D d, Source source, Destination destination, size_t width) {
+  using V = hn::Vec<D>;
   const size_t lanes = hn::Lanes(d);
-  for (; x + lanes <= width; x += lanes) {
-    hn::Vec<decltype(d)> c0, c1, c2;
+  size_t x = 0;
+  for (; x + 2 * lanes <= width; x += 2 * lanes) {
+    V a0, a1, a2, b0, b1, b2;
+    source.load(d, x, a0, a1, a2);
+    source.load(d, x + lanes, b0, b1, b2);
+    Transform::apply(a0, a1, a2);
+    Transform::apply(b0, b1, b2);
+    destination.store(d, x, a0, a1, a2);
+    destination.store(d, x + lanes, b0, b1, b2);
+  }
+  if (x + lanes <= width) {
+    V c0, c1, c2;
     source.load(d, x, c0, c1, c2);
     Transform::apply(c0, c1, c2);
     destination.store(d, x, c0, c1, c2);
   }
+}
 #endif
-  for (; x < width; ++x) {
+
+template <class Transform, class T, class Source, class Destination>
+HWY_INLINE void transformRow(Source source, Destination destination, size_t width) {
+#if ZORJ_SIMD
+  const hn::ScalableTag<T> d;
+  const size_t lanes = hn::Lanes(d);
+  if (width >= lanes) {
+    // The first and the last vector overlap those between. They are loaded before anything is stored, as the row may be
+    // transformed in place.
+    hn::Vec<decltype(d)> a0, a1, a2, b0, b1, b2;
+    source.load(d, 0, a0, a1, a2);
+    source.load(d, width - lanes, b0, b1, b2);
+    Transform::apply(a0, a1, a2);
+    Transform::apply(b0, b1, b2);
+    const size_t begin = destination.aligned(lanes);
+    transformVectors<Transform>(d, source.from(begin), destination.from(begin), width - begin);
+    destination.store(d, 0, a0, a1, a2);
+    destination.store(d, width - lanes, b0, b1, b2);
+    return;
+  }
+#endif
+  for (size_t x = 0; x < width; ++x) {
     typename Destination::Sample c[3];
     source.load(x, c);
     Transform::apply(c[0], c[1], c[2]);

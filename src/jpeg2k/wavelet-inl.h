@@ -1,8 +1,8 @@
 // The rows and tiles of a wavelet transform, for any wavelet W. Included after jpeg2k/lanes-inl.h, once per target.
 //
 // W has: Sample and Working, the types of samples outside and of those in the arithmetic; kReach, how many pairs around
-// a pair it needs; Analysis and Synthesis, its lifting steps along a row, with results kLag blocks late; forwardColumns
-// and inverseColumns.
+// a pair it needs; Rows, which transforms a line; forwardColumns and inverseColumns. Where Rows is RowTransform, it
+// also has Analysis and Synthesis, its lifting steps along a row, with results kLag blocks late.
 
 HWY_BEFORE_NAMESPACE();
 namespace zorj::HWY_NAMESPACE {
@@ -185,7 +185,7 @@ class RowTransform {
 template <class W>
 void forwardRows(Image<const typename W::Sample> src, Image<typename W::Sample> low, Image<typename W::Sample> high,
                  RoiSize band, int parity) {
-  RowTransform<W> lines;
+  typename W::Rows lines;
   const ptrdiff_t n = band.width;
   for (ptrdiff_t y = 0; y < band.height; ++y) {
     lines.forward(src.row(y) + parity, -2 * W::kReach, 2 * (n + W::kReach - 1), {2 * n, parity}, low.row(y),
@@ -196,7 +196,7 @@ void forwardRows(Image<const typename W::Sample> src, Image<typename W::Sample> 
 template <class W>
 void inverseRows(Image<const typename W::Sample> low, Image<const typename W::Sample> high,
                  Image<typename W::Sample> dst, RoiSize band, int parity) {
-  RowTransform<W> lines;
+  typename W::Rows lines;
   const ptrdiff_t n = band.width;
   for (ptrdiff_t y = 0; y < band.height; ++y) {
     lines.inverse(low.row(y), high.row(y) + parity, 1 - 2 * W::kReach - 2 * parity, 2 * (n + W::kReach - parity) - 1,
@@ -284,7 +284,7 @@ void inversePairs(const typename W::Sample* low, const typename W::Sample* high,
 
 // A row into its low samples, followed by its high samples; and back.
 template <class W>
-void forwardRow(RowTransform<W>& lines, Line line, const typename W::Sample* x, typename W::Sample* bands) {
+void forwardRow(typename W::Rows& lines, Line line, const typename W::Sample* x, typename W::Sample* bands) {
   const ptrdiff_t lows = line.lows();
   if (line.length == 1) {
     forwardSingles<W>(x, bands, line.parity != 0, 1);
@@ -296,7 +296,7 @@ void forwardRow(RowTransform<W>& lines, Line line, const typename W::Sample* x, 
 }
 
 template <class W>
-void inverseRow(RowTransform<W>& lines, Line line, const typename W::Sample* bands, typename W::Sample* x) {
+void inverseRow(typename W::Rows& lines, Line line, const typename W::Sample* bands, typename W::Sample* x) {
   const ptrdiff_t lows = line.lows();
   if (line.length == 1) {
     inverseSingles<W>(bands, x, line.parity != 0, 1);
@@ -353,24 +353,24 @@ void forwardInPlace(Image<T> tile, const Level<T>& level) {
   const Line across = level.across, down = level.down;
   const auto width = static_cast<size_t>(across.length);
   forwardTileColumns<W>(tile.toRead(), tile.everyOther(down.parity), tile.everyOther(1 - down.parity), down, width);
-  RowTransform<W> lines;
+  typename W::Rows lines;
   permuteRows(
       tile, down.length, level.line, width,
       [=, lows = down.lows()](ptrdiff_t y) {
         return y < lows ? 2 * y + down.parity : 2 * (y - lows) + 1 - down.parity;
       },
-      [&](T* to, const T* from) { forwardRow(lines, across, from, to); });
+      [&](T* to, const T* from) { forwardRow<W>(lines, across, from, to); });
 }
 
 template <class W, class T = typename W::Sample>
 void inverseInPlace(Image<T> tile, const Level<T>& level) {
   const Line across = level.across, down = level.down;
   const auto width = static_cast<size_t>(across.length);
-  RowTransform<W> lines;
+  typename W::Rows lines;
   permuteRows(
       tile, down.length, level.line, width,
       [=, lows = down.lows()](ptrdiff_t y) { return y % 2 == down.parity ? y / 2 : lows + y / 2; },
-      [&](T* to, const T* from) { inverseRow(lines, across, from, to); });
+      [&](T* to, const T* from) { inverseRow<W>(lines, across, from, to); });
   inverseTileColumns<W>(tile.everyOther(down.parity).toRead(), tile.everyOther(1 - down.parity).toRead(), tile, down,
                         width);
 }
@@ -399,9 +399,9 @@ void forwardApart(Image<const T> src, const Image<T> (&subbands)[kSubbands], Ima
   const Line across = level.across, down = level.down;
   const size_t width = static_cast<size_t>(across.length), left = (width + 1) / 2;
   forwardTileColumns<W>(src, buffer, {buffer.row(down.lows()), buffer.step}, down, width);
-  RowTransform<W> lines;
+  typename W::Rows lines;
   forEachSubbandRow(subbands, down.length, [&](T* leftBand, T* rightBand, ptrdiff_t y) {
-    forwardRow(lines, across, buffer.row(y), level.line);
+    forwardRow<W>(lines, across, buffer.row(y), level.line);
     copySamples(level.line, leftBand, left);
     copySamples(level.line + left, rightBand, width - left);
   });
@@ -411,11 +411,11 @@ template <class W, class T = typename W::Sample>
 void inverseApart(const Image<const T> (&subbands)[kSubbands], Image<T> dst, Image<T> buffer, const Level<T>& level) {
   const Line across = level.across, down = level.down;
   const size_t width = static_cast<size_t>(across.length), left = (width + 1) / 2;
-  RowTransform<W> lines;
+  typename W::Rows lines;
   forEachSubbandRow(subbands, down.length, [&](const T* leftBand, const T* rightBand, ptrdiff_t y) {
     copySamples(leftBand, level.line, left);
     copySamples(rightBand, level.line + left, width - left);
-    inverseRow(lines, across, level.line, buffer.row(y));
+    inverseRow<W>(lines, across, level.line, buffer.row(y));
   });
   inverseTileColumns<W>(buffer.toRead(), Image<const T>{buffer.row(down.lows()), buffer.step}, dst, down, width);
 }

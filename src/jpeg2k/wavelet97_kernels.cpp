@@ -93,6 +93,7 @@ template <class Steps, class T>
 struct Wavelet97 {
   using Sample = T;
   using Working = typename Steps::Working;
+  using Rows = RowTransform<Wavelet97>;
   static constexpr ptrdiff_t kReach = 2;
 
   // Results come five blocks late although two would do: so each of the four steps takes what the others have made of

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 #include <zorj.h>
 
+#include <algorithm>
 #include <array>
+#include <numeric>
+#include <vector>
 
 #include "reference/component_transform.h"
 #include "support/arguments.h"
@@ -164,6 +167,44 @@ TEST(ComponentTransform, PlanesToPixelsEqualsModel) {
         },
         [&](const Operands& o, RoiSize size) { transform<T>(o, 0, false, 3, true, size, test.model); });
   });
+}
+
+// Rows without a gap between them are joined: of one operand alone they must not be.
+TEST(ComponentTransform, EitherStepMayLeaveGaps) {
+  constexpr int kWidth = 3, kHeight = 4, kGap = 2;
+  for (const bool gapInPixels : {false, true}) {
+    const int pixelRow = 3 * kWidth + (gapInPixels ? kGap : 0), planeRow = kWidth + (gapInPixels ? 0 : kGap);
+    forEachInverse([&]<class T>(const InverseCase<T>& test) {
+      std::vector<T> planes(static_cast<size_t>(3 * planeRow * kHeight)), pixels(60, T{77}), expected = pixels;
+      std::iota(planes.begin(), planes.end(), T{1});
+      const T* const src[3] = {planes.data(), &planes[planeRow * kHeight], &planes[2 * planeRow * kHeight]};
+      for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+          const int at = y * planeRow + x;
+          const Pixel<T> pixel = test.model({src[0][at], src[1][at], src[2][at]});
+          std::copy(pixel.begin(), pixel.end(), expected.begin() + y * pixelRow + 3 * x);
+        }
+      }
+      const int32_t size = sizeof(T);
+      EXPECT_EQ(test.subject(src, planeRow * size, pixels.data(), pixelRow * size, {kWidth, kHeight}), StatusOk);
+      EXPECT_EQ(pixels, expected) << test.what;
+    });
+    forEachForward([&]<class T>(const ForwardCase<T>& test) {
+      std::vector<T> pixels(60), planes(static_cast<size_t>(3 * planeRow * kHeight), T{77}), expected = planes;
+      std::iota(pixels.begin(), pixels.end(), T{1});
+      T* const dst[3] = {planes.data(), &planes[planeRow * kHeight], &planes[2 * planeRow * kHeight]};
+      for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+          const T* const from = &pixels[y * pixelRow + 3 * x];
+          const Pixel<T> pixel = test.model({from[0], from[1], from[2]});
+          for (int i = 0; i < 3; ++i) expected[(i * kHeight + y) * planeRow + x] = pixel[static_cast<size_t>(i)];
+        }
+      }
+      const int32_t size = sizeof(T);
+      EXPECT_EQ(test.subject(pixels.data(), pixelRow * size, dst, planeRow * size, {kWidth, kHeight}), StatusOk);
+      EXPECT_EQ(planes, expected) << test.what;
+    });
+  }
 }
 
 template <class T>
