@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Lists what the public headers declare, for tests and for bindings to other languages.
 
-usage: exports.py [--json] [INCLUDE_DIR]
+usage: exports.py [--json | --calls] [INCLUDE_DIR]
 
 Plain output has a line for each function: name, bytes of arguments on 32-bit x86, arguments. The JSON, which
-tools/exports.json keeps, is described in docs/bindings.md.
+tools/exports.json keeps, is described in docs/bindings.md. --calls writes the table of C++ that tests/hostile/exports.h
+reads: how to call each function, and the statuses that its comments name.
 """
 
 import json
@@ -18,6 +19,8 @@ COMMENT = re.compile(r"/\*.*?\*/", re.DOTALL)
 ENUMERATION = re.compile(r"typedef enum (\w+) \{(.*?)\}", re.DOTALL)
 RECORD = re.compile(r"typedef struct (\w+) \{(.*?)\}", re.DOTALL)
 OPAQUE = re.compile(r"typedef struct (\w+) \1;")
+STATUS = re.compile(r"\bStatus[A-Z]\w+")
+GROUP = re.compile(r"/\*\*((?:(?!\*/).)*?@name(?:(?!\*/).)*)\*/", re.DOTALL)
 ARGUMENT = re.compile(r"(?P<const>const )?(?P<type>\w+)(?P<stars>\**) (?:const )?(?P<name>\w+)(?:\[(?P<count>\d*)\])?$")
 
 
@@ -122,13 +125,59 @@ def to_json(interface):
     )
 
 
+def documented_statuses(name, text):
+    """The statuses that the comments of a function, of its group and of its file name, and those of functions that
+    its comment refers to."""
+    declaration = next(match for match in DECLARATION.finditer(text) if match["name"] == name)
+    comment = LAST_COMMENT.search(text, 0, declaration.start())[1]
+    groups = [group[1] for group in GROUP.finditer(text, 0, declaration.start())]
+    said = " ".join([comment, text[: text.index("*/")], *groups[-1:]])
+    statuses = set(STATUS.findall(said)) - {"StatusCode", "StatusOk"}
+    for other in re.findall(r"As (zori\w+)", comment):
+        statuses |= documented_statuses(other, text)
+    return statuses
+
+
+ELEMENT_BYTES = {"void": 1, "float": 4, "double": 8, "TileRect": 16}
+
+
+def call_parameters(argument, interface):
+    """C++ initialisers of what tests/hostile/exports.h calls parameters: a record by value is one for each field."""
+    if argument["kind"] == "record":
+        fields = interface["records"][argument["type"]]
+        return [f'{{"{argument["name"]}.{field["name"]}", Kind::kValue}}' for field in fields]
+    kind, type_name = f'Kind::k{argument["kind"].capitalize()}', argument["type"]
+    if argument["kind"] in ("value", "step"):
+        return [f'{{"{argument["name"]}", {kind}}}']
+    width = re.match(r"u?int(\d+)_t", type_name)
+    size = int(width[1]) // 8 if width else ELEMENT_BYTES.get(type_name, 0)
+    traits = [argument["access"] == "read", argument.get("nullable", False)]
+    traits = ", ".join(str(trait).lower() for trait in traits)
+    return [f'{{"{argument["name"]}", {kind}, "{type_name}", {size}, {traits}, {argument.get("count", 0)}}}']
+
+
+def to_calls(interface, include_dir):
+    rows = []
+    for function in interface["functions"]:
+        name, header = function["name"], function["header"]
+        text = (pathlib.Path(include_dir) / header).read_text()
+        statuses = ", ".join(sorted(documented_statuses(name, text)))
+        parameters = ", ".join(sum((call_parameters(a, interface) for a in function["arguments"]), []))
+        rows.append(f'{{"{name}", "{header}", invoke<&{name}>, {{{statuses}}}, {{{parameters}}}}},\n')
+    return "".join(rows)
+
+
 def exports(include_dir):
     return read_headers(include_dir)["functions"]
 
 
 def main():
-    directories = [a for a in sys.argv[1:] if a != "--json"]
-    interface = read_headers(directories[0] if directories else pathlib.Path(__file__).parent.parent / "include")
+    directories = [a for a in sys.argv[1:] if not a.startswith("--")]
+    include_dir = directories[0] if directories else pathlib.Path(__file__).parent.parent / "include"
+    interface = read_headers(include_dir)
+    if "--calls" in sys.argv:
+        sys.stdout.write(to_calls(interface, include_dir))
+        return
     if "--json" in sys.argv:
         sys.stdout.write(to_json(interface))
         return

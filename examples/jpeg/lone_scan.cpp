@@ -1,6 +1,7 @@
 #include "jpeg/lone_scan.h"
 
 #include <algorithm>
+#include <atomic>
 #include <iterator>
 #include <memory>
 #include <semaphore>
@@ -87,8 +88,9 @@ struct RowGroup {
   McuArray mcus;
   std::vector<std::vector<McuBlock>> inScan;  // by row
   std::vector<std::vector<McuBlock>> inFrame;
-  std::binary_semaphore empty{1};
-  std::binary_semaphore full{0};
+  // Up to 2, as a stage that fails releases both.
+  std::counting_semaphore<2> empty{1};
+  std::counting_semaphore<2> full{0};
 };
 
 // Without restart markers entropy decoding is one thread's work: another transforms what it has decoded.
@@ -103,13 +105,21 @@ LoneScanEnd decodeInTwoStages(const MarkerReader& reader, const QuantTables& tab
   ScanDecoder scan(reader.file(), reader.position(), frame.process, reader.scan(), reader.scanTables(),
                    reader.restartInterval());
 
+  std::atomic<bool> failed{false};
   // Calls row(group, index in it, number) for all rows, the groups in turns.
   const auto forAllRows = [&](auto waitFor, auto becomes, const auto& row) {
-    for (int32_t number = 0; number < frame.mcusHigh();) {
-      RowGroup& group = groups[number / rows % 2];
-      (group.*waitFor).acquire();
-      for (int32_t i = 0; i < rows && number < frame.mcusHigh(); ++i, ++number) row(group, size_t(i), number);
-      (group.*becomes).release();
+    try {
+      for (int32_t number = 0; number < frame.mcusHigh();) {
+        RowGroup& group = groups[number / rows % 2];
+        (group.*waitFor).acquire();
+        if (failed) return;
+        for (int32_t i = 0; i < rows && number < frame.mcusHigh(); ++i, ++number) row(group, size_t(i), number);
+        (group.*becomes).release();
+      }
+    } catch (...) {
+      failed = true;  // the other stage must not go on waiting
+      for (RowGroup& group : groups) (group.*becomes).release();
+      throw;
     }
   };
   inParallel(2, [&](int32_t stage) {

@@ -1,6 +1,7 @@
 // Work on several threads.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <future>
 #include <vector>
@@ -11,6 +12,7 @@ namespace examples::jpeg {
 template <class Task>
 void inParallel(int32_t count, const Task& task) {
   std::vector<std::future<void>> others;
+  others.reserve(static_cast<size_t>(count - 1));  // nothing may fail between a task's start and that of task(0)
   for (int32_t i = 1; i < count; ++i) others.push_back(std::async(std::launch::async, [&task, i] { task(i); }));
   task(0);
   for (std::future<void>& other : others) other.get();

@@ -14,9 +14,10 @@ class Arena {
  public:
   std::span<T> copy(std::span<const T> values) {
     if (values.size() > room_) {
-      room_ = std::max(values.size(), kChunk);
-      chunks_.push_back(std::make_unique_for_overwrite<T[]>(room_));
+      const size_t size = std::max(values.size(), kChunk);
+      chunks_.push_back(std::make_unique_for_overwrite<T[]>(size));
       next_ = chunks_.back().get();
+      room_ = size;
     }
     const std::span<T> place(next_, values.size());
     std::copy(values.begin(), values.end(), place.begin());

@@ -142,9 +142,9 @@ ZORJ_API StatusCode ZORJ_CALL zoriDecodeHuffmanSpecFree_JPEG_8u(HuffmanDecodeSpe
  * A call with a `flush` other than 0 looks at nothing but the destination and the state: it completes a begun byte with
  * ones and initialises the state. Flush before every marker and at the end of a scan.
  *
- * Without room for all of it, an encoder returns StatusBufferEnd. The bytes written until then stay, `pDstPosition`
- * points behind them, and the stream is broken. A symbol without a code gives StatusBadHuffmanTable, with what came
- * before it written. No byte from the returned position on is changed.
+ * Without room for all of it, an encoder returns StatusBufferEnd; outside the destination there is none. The bytes
+ * written until then stay, `pDstPosition` points behind them, and the stream is broken. A symbol without a code gives
+ * StatusBadHuffmanTable, with what came before it written. No byte from the returned position on is changed.
  * @{ */
 
 /**
@@ -260,8 +260,9 @@ ZORJ_API StatusCode ZORJ_CALL zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(const int16_t
  * read while `pMarker` is not 0, so the caller clears it after dealing with the marker, initialises the state and, at a
  * restart marker, sets the last DC values to 0. Nothing at or beyond `srcLength` is read.
  *
- * Corrupt data: StatusBufferEnd where the input ends although bits are needed; StatusHuffmanDataError where a marker
- * does so or no code matches. What was decoded before stays; position, marker and state tell how far the reading went.
+ * Corrupt data: StatusBufferEnd where the input ends, or the position lies outside it, although bits are needed;
+ * StatusHuffmanDataError where a marker does so or no code matches. What was decoded before stays; position, marker and
+ * state tell how far the reading went.
  * @{ */
 
 /**
@@ -325,7 +326,7 @@ ZORJ_API StatusCode ZORJ_CALL zoriDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* 
  * @param pLastDC DC value of the component's block before; receives this block's once it is known.
  * @param pMarker The marker met, 0 if none.
  * @param pPrefetchedBits Bits read but not used yet, right-aligned.
- * @param pPrefetchedCount Their number.
+ * @param pPrefetchedCount Their number; more than 32 are taken for 32.
  * @param pDcSpec Table for the DC difference.
  * @param pAcSpec Table for the other coefficients.
  * @return In this order: StatusNullPointer for a null source or position; StatusBadArgument for a position below 0;

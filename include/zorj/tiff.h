@@ -37,11 +37,11 @@ extern "C" {
  * @param pSrc          the row
  * @param srcLength     its length in bytes
  * @param pDst          receives the packets; may not overlap the row
- * @param pDstPosition  where to write, in bytes from `pDst`, 0 or more; receives the position after the last packet
+ * @param pDstPosition  where to write, in bytes from `pDst`; receives the position after the last packet
  * @param dstLength     bytes of the destination, counted from `pDst`
  * @return In this order: StatusNullPointer for a null pointer; StatusBadSize for a length below 1; StatusPackBitsError
- *         where a packet does not fit. The packets before that one are written then, nothing is written of it or
- *         behind it, and the position is where it would have begun.
+ *         for a position below 0, and where a packet does not fit. The packets before that one are written then,
+ *         nothing is written of it or behind it, and the position is where it would have begun.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriPackBitsRow_TIFF_8u_C1(const uint8_t* pSrc, int32_t srcLength, uint8_t* pDst,
                                                          int32_t* pDstPosition, int32_t dstLength);
@@ -51,15 +51,15 @@ ZORJ_API StatusCode ZORJ_CALL zoriPackBitsRow_TIFF_8u_C1(const uint8_t* pSrc, in
  *
  * @param pSrc          the packets. One byte after the source must be readable: it is what a replicate header repeats
  *                      that is the last byte of the source.
- * @param pSrcPosition  where to read, in bytes from `pSrc`, 0 or more; receives the position after the row's last
- *                      packet, which may then be one beyond `srcLength`
+ * @param pSrcPosition  where to read, in bytes from `pSrc`; receives the position after the row's last packet, which
+ *                      may then be one beyond `srcLength`
  * @param srcLength     bytes of the source, counted from `pSrc`
  * @param pDst          receives the row; may not overlap the source
  * @param dstLength     its length in bytes
  * @return In this order: StatusNullPointer for a null pointer; StatusBadSize for a length below 1; StatusPackBitsError
- *         if the source ends before the row is full, with the position at or beyond `srcLength`, or where a packet
- *         leads beyond the source or the row, with the position after its header. The packets before that one are
- *         unpacked then, and the rest of the row is left as it was.
+ *         for a position below 0, if the source ends before the row is full, with the position at or beyond
+ *         `srcLength`, or where a packet leads beyond the source or the row, with the position after its header. The
+ *         packets before that one are unpacked then, and the rest of the row is left as it was.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriUnpackBitsRow_TIFF_8u_C1(const uint8_t* pSrc, int32_t* pSrcPosition,
                                                            int32_t srcLength, uint8_t* pDst, int32_t dstLength);

@@ -110,7 +110,7 @@ HWY_INLINE uint64_t pendingBits(const HuffmanEncodeState& state) { return uint64
 // What the buffer holds goes to the destination and the state. False, with nothing changed, if room might lack.
 HWY_INLINE bool commit(const BitBuffer& buffer, Destination dst, HuffmanEncodeState& state) {
   const size_t size = buffer.size();
-  if (dst.length - dst.position < static_cast<int32_t>(2 * size)) return false;
+  if (dst.room() < static_cast<int32_t>(2 * size)) return false;
   dst.position = static_cast<int32_t>(copyStuffed(dst.bytes + dst.position, buffer.bytes(), size) - dst.bytes);
   const uint32_t lastByte = size > 0 ? buffer.bytes()[size - 1] : state.accumulator >> 24;
   state.accumulator = static_cast<uint32_t>(buffer.pending() >> 40) | lastByte << 24;

@@ -28,7 +28,9 @@ constexpr int32_t extendSign(uint32_t bits, uint32_t size) {
 class BitReader {
  public:
   BitReader(const SourceBytes& source, const HuffmanDecodeState& state)
-      : source_(source), bitBuffer_(state.bitBuffer), reserved_(state.reserved), bitCount_(state.bitCount) {}
+      : source_(source), bitBuffer_(state.bitBuffer), reserved_(state.reserved), bitCount_(state.bitCount) {
+    if (source_.position < 0) source_.length = source_.position;  // there is nothing to read
+  }
 
   // Leaves behind how far the reading went.
   void finish(int32_t& position, int32_t& marker, HuffmanDecodeState& state) const {

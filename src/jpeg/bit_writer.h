@@ -33,6 +33,9 @@ struct Destination {
   uint8_t* bytes;
   int32_t length;
   int32_t& position;
+
+  // Bytes left; none before the destination.
+  int32_t room() const { return position < 0 ? 0 : length - position; }
 };
 
 // Appends to a destination of limited length.
@@ -76,7 +79,7 @@ class BitWriter {
     return true;
   }
 
-  bool atEnd() const { return dst_.position >= dst_.length; }
+  bool atEnd() const { return dst_.room() < 1; }
 
   Destination dst_;
   HuffmanEncodeState& state_;

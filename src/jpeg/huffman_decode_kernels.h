@@ -28,7 +28,7 @@ const HuffmanDecodeKernels& huffmanDecodeKernels();
 // Whether the fast paths can start: no marker is pending and a few bytes are left.
 inline bool canDecodeFast(int32_t length, int32_t position, int32_t marker) {
   constexpr int32_t kLeastBytes = 8;
-  return marker == 0 && length - kLeastBytes >= position;
+  return marker == 0 && position >= 0 && length - kLeastBytes >= position;
 }
 
 }  // namespace zorj

@@ -155,7 +155,7 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_Direct_JPEG_1u16s_C1(const uint8_t* pS
   if (anyNull(pDcSpec, pAcSpec)) return StatusNullPointer;
   HuffmanDecodeState state = {};
   state.bitBuffer = *pPrefetchedBits;
-  state.bitCount = *pPrefetchedCount;
+  state.bitCount = std::min(*pPrefetchedCount, 32);
   BitReader reader({pSrc, kNoLength, *pSrcBitPosition >> 3, *pMarker}, state);
   const BlockResult result = decodeBlock(reader, pDst, *pLastDC, *pDcSpec, *pAcSpec, state.lastPosition);
   int32_t position = 0;

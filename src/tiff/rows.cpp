@@ -8,7 +8,8 @@ namespace {
 StatusCode checkPackets(const uint8_t* src, const int32_t* position, const uint8_t* dst, int32_t srcLength,
                         int32_t dstLength) {
   if (anyNull(src, dst) || anyNull(position)) return StatusNullPointer;
-  return srcLength < 1 || dstLength < 1 ? StatusBadSize : StatusOk;
+  if (srcLength < 1 || dstLength < 1) return StatusBadSize;
+  return *position < 0 ? StatusPackBitsError : StatusOk;
 }
 
 }  // namespace

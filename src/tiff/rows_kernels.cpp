@@ -119,8 +119,8 @@ StatusCode pack(const uint8_t* row, int32_t rowLength, uint8_t* packets, int32_t
     const ptrdiff_t left = end - row;
     const bool replicate = left >= 2 && row[0] == row[1];
     const ptrdiff_t count = replicate ? runLength(row, std::min(left, kLongest)) : literalLength(row, left);
-    const ptrdiff_t packetEnd = at + 1 + (replicate ? 1 : count);
-    if (packetEnd > length) {
+    const ptrdiff_t packetSize = 1 + (replicate ? 1 : count);
+    if (packetSize > length - at) {
       *position = static_cast<int32_t>(at);
       return StatusPackBitsError;
     }
@@ -131,7 +131,7 @@ StatusCode pack(const uint8_t* row, int32_t rowLength, uint8_t* packets, int32_t
       copyLiteral(packets + at + 1, row, count);
     }
     row += count;
-    at = packetEnd;
+    at += packetSize;
   }
   *position = static_cast<int32_t>(at);
   return StatusOk;
