@@ -87,7 +87,7 @@ SharedFile encoded(const Setting& setting, const SharedImage& image) {
 void compareLossless(const Photograph& photograph) {
   const SharedImage& image = photograph.image;
   const auto deep = std::make_shared<const examples::DeepImage>(examples::withPrecision<uint16_t>(*image, 8));
-  Setting setting = {photograph.name + " lossless, predictor 1", {90, jpeg::Sampling::s420}, TJSAMP_420};
+  Setting setting = {photograph.name + " lossless, against baseline 4:2:0 q90", {90, jpeg::Sampling::s420}, TJSAMP_420};
   const auto turboFile = encoded(setting, image);
   setting.options.predictor = 1;
   compareEncoders(setting, image);

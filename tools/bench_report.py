@@ -6,14 +6,16 @@ the n-th of every other variant, and the median of the ratios is reported.
 """
 
 import argparse
+import fractions
 import html
 import json
+import math
 import pathlib
 import platform
 import statistics
 import subprocess
 
-LEVELS = ("AVX-512", "AVX2", "SSE4", "SSSE3", "portable")
+RIVALS = ("libjpeg-turbo", "OpenJPEG", "Grok", "libtiff", "libjxr", "libsquish", "stb_dxt")
 
 
 def read_rows(path):
@@ -63,71 +65,80 @@ def machine_text():
     )
     compiler = subprocess.run(["g++", "--version"], capture_output=True, text=True).stdout.split("\n")[0]
     packages = subprocess.run(
-        ["dpkg-query", "-W", "-f", "; ${Package} ${Version}", "libturbojpeg0-dev", "libtiff-dev", "libjxr-dev"],
+        ["dpkg-query", "-W", "-f", "; ${Package} ${Version}", "libturbojpeg0-dev", "libopenjp2-7-dev",
+         "libgrokj2k1-dev", "libtiff-dev", "libjxr-dev", "libsquish-dev", "libstb-dev"],
         capture_output=True, text=True
     ).stdout
     return f"{cpu}; {compiler}{packages}; one thread unless said"
 
 
-def table(topics):
-    lines = []
-    for topic, rows in topics.items():
-        lines += [f"\n## {topic}\n", "| work | variant | speed | times as fast as |", "|---|---|---|---|"]
-        for row, variants in rows.items():
-            subject = next(iter(variants))
-            faster = ", ".join(f"{other} {ratio:.2f}" for other, ratio in ratios(variants).items())
-            lines.append(f"| {row} | {subject} | {speed_text(variants[subject])} | {faster} |")
-    return "\n".join(lines)
+def table(topic, rows):
+    lines = [f"## {topic}\n", "| work | variant | speed | times as fast as |", "|---|---|---|---|"]
+    for row, variants in rows.items():
+        subject = next(iter(variants))
+        faster = ", ".join(f"{other} {ratio:.2f}" for other, ratio in ratios(variants).items())
+        lines.append(f"| {row} | {subject} | {speed_text(variants[subject])} | {faster} |")
+    return "\n".join(lines) + "\n"
 
 
-def chart(topics):
-    """Bars of the ratio to each peer (variants that are not levels of our own), as SVG."""
+def chart(rows):
+    """Bars of the ratio to each rival, each doubling as far from the next, as SVG."""
     bars = [
-        (f"{row}, vs {other}", ratio)
-        for rows in topics.values()
+        (row, other, ratio)
         for row, variants in rows.items()
         for other, ratio in ratios(variants).items()
-        if other not in LEVELS
+        if other.startswith(RIVALS)
     ]
     if not bars:
         return None
-    height, left, width = 22, 330, 420
-    most = max(2.0, max(ratio for _, ratio in bars) * 1.05)
-    x = lambda ratio: left + width * ratio / most
+    height, width, least, most = 20, 380, -3, 7
+    left = 20 + 6.5 * max(len(f"{row}: {other}") for row, other, _ in bars)
     total = height * (len(bars) + 2)
+    x = lambda ratio: left + width * (min(max(math.log2(ratio), least), most) - least) / (most - least)
     parts = [
-        f'<svg xmlns="http://www.w3.org/2000/svg" width="{left + width + 70}" height="{total}" '
+        f'<svg xmlns="http://www.w3.org/2000/svg" width="{left + width + 60}" height="{total}" '
         f'font-family="sans-serif" font-size="12">',
         '<rect width="100%" height="100%" fill="white"/>',
-        f'<text x="{x(1)}" y="14" text-anchor="middle">as fast as the peer</text>',
     ]
-    for i, (label, ratio) in enumerate(bars):
-        y = height * (i + 1)
+    for power in range(least, most + 1):
+        label = "as fast" if power == 0 else str(fractions.Fraction(2) ** power)
+        parts.append(f'<path d="M{x(2**power):.1f} {height}V{total - 8}" stroke="{"black" if power == 0 else "#ddd"}"/>')
+        parts.append(f'<text x="{x(2**power):.1f}" y="14" text-anchor="middle">{label}</text>')
+    for i, (row, other, ratio) in enumerate(bars):
+        y = height * (i + 1) + 2
+        begin, end = sorted((x(1), x(ratio)))
         colour = "#2a7f62" if ratio >= 1 else "#b5523b"
-        parts.append(f'<text x="{left - 6}" y="{y + 14}" text-anchor="end">{html.escape(label)}</text>')
-        parts.append(f'<rect x="{left}" y="{y + 3}" width="{x(ratio) - left:.1f}" height="{height - 6}" fill="{colour}"/>')
-        parts.append(f'<text x="{x(ratio) + 4:.1f}" y="{y + 14}">{ratio:.2f}</text>')
-    parts.append(f'<path d="M{x(1):.1f} 18V{total - height}" stroke="black" stroke-dasharray="3 3"/></svg>')
-    return "\n".join(parts)
+        parts.append(f'<text x="{left - 8}" y="{y + 13}" text-anchor="end">{html.escape(f"{row}: {other}")}</text>')
+        parts.append(f'<rect x="{begin:.1f}" y="{y + 2}" width="{end - begin:.1f}" height="{height - 5}" fill="{colour}"/>')
+        parts.append(f'<text x="{x(max(ratio, 1)) + 4:.1f}" y="{y + 13}">{ratio:.2f}</text>')
+    return "\n".join(parts) + "</svg>\n"
+
+
+def section(topic, rows, directory):
+    """The topic's table, below its chart if there are rivals; the chart goes into the directory."""
+    picture = chart(rows)
+    if not picture:
+        return table(topic, rows)
+    name = f"performance-{topic}.svg"
+    (directory / name).write_text(picture)
+    heading, rest = table(topic, rows).split("\n\n", 1)
+    return f"{heading}\n\n![Times as fast as the rivals]({name})\n\n{rest}"
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--publish", metavar="DIR", help="write performance.md and performance.svg there")
+    parser.add_argument("--publish", metavar="DIR", help="write performance.md and its charts there, not beside the results")
     parser.add_argument("results", nargs="+", help="JSON files, without .json")
     arguments = parser.parse_args()
     topics = {pathlib.Path(r).name: read_rows(pathlib.Path(r + ".json")) for r in arguments.results}
-    print(f"\n{machine_text()}\nMedians of paired runs.\n{table(topics)}")
-    picture = chart(topics)
+    print(f"\n{machine_text()}\nMedians of paired runs.\n")
+    print("\n".join(table(topic, rows) for topic, rows in topics.items()))
     directory = pathlib.Path(arguments.publish or pathlib.Path(arguments.results[0]).parent)
-    if picture:
-        (directory / "performance.svg").write_text(picture + "\n")
-    if arguments.publish:
-        image = "\n![Ratios to the peers](performance.svg)\n" if picture else ""
-        (directory / "performance.md").write_text(
-            "# Performance\n\nWritten by `./dev bench --publish`; medians of paired runs.\n\n"
-            f"{machine_text()}\n{image}{table(topics)}\n"
-        )
+    sections = [section(topic, rows, directory) for topic, rows in topics.items()]
+    (directory / "performance.md").write_text(
+        "# Performance\n\nWritten by `./dev bench --publish`; medians of paired runs.\n\n"
+        f"{machine_text()}\n\n" + "\n".join(sections)
+    )
 
 
 if __name__ == "__main__":
