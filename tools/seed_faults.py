@@ -17,7 +17,7 @@ import sys
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-TESTS = {"core": ["core", "jpeg", "jpeg2k", "texture", "tiff", "hdp"]}  # others: those of the family itself
+FAMILIES = ["hdp", "jpeg", "jpeg2k", "texture", "tiff"]
 CHECK = re.compile(r"^\s*if \(.*\) return (?:Status\w+|status);$")
 NUMBER = re.compile(r"(?<![\w.'])(?:0x[0-9A-Fa-f]+|[0-9]+)(?=[uU]?\b)(?![\w.'])")
 BOUND = re.compile(r" (<=|>=|<|>) (?=[\w(*:-])")
@@ -138,8 +138,9 @@ class Copy:
 
 
 def programs_for(path):
+    """The tests that are quick to notice, then those of the family; of all families for what they share."""
     family = path.parts[1]
-    return [f"{name}_tests" for name in TESTS.get(family, [family])]
+    return [f"{name}_tests" for name in ["hostile", *(["core", *FAMILIES] if family == "core" else [family])]]
 
 
 def seed(copy, path, first, change):
