@@ -191,7 +191,7 @@ int64_t encodeDifferences(const int16_t* const rows[], int64_t count, int32_t co
     BitBufferMemory memory;
     BitBuffer buffer(memory, pendingBits(state), state.bitCount);
     const auto now = static_cast<ptrdiff_t>(HWY_MIN(kChunk, count - done));
-    int16_t values[kChunk];
+    int16_t values[kChunk] = {};
     interleave(rows, static_cast<ptrdiff_t>(done / components), now / components, components, values);
     if (isOneTable) {
       if (!putDifferences(buffer, values, static_cast<size_t>(now), *specs[0])) return done;

@@ -17,7 +17,7 @@ using Value = int64_t;
 
 template <class T>
 T* pointerOf(Value value) {
-  return reinterpret_cast<T*>(static_cast<uintptr_t>(value));
+  return reinterpret_cast<T*>(static_cast<uintptr_t>(value));  // NOLINT(performance-no-int-to-ptr): it was an address
 }
 inline Value valueOf(const void* pointer) { return static_cast<Value>(reinterpret_cast<uintptr_t>(pointer)); }
 
