@@ -7,7 +7,7 @@ namespace zorj::test {
 
 Piece::Piece(std::string name, size_t bytes, size_t slack)
     : name_(std::move(name)), slack_(slack), memory_(slack + bytes, Placement::kAtEnd), allowed_(slack + bytes, 0) {
-  std::memset(memory_.data(), kCanary, memory_.size());
+  std::memset(memory_.data(), kFiller, memory_.size());
 }
 
 const ZorAllocator* Arena::inUse_ = nullptr;

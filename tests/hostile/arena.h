@@ -12,7 +12,7 @@
 
 namespace zorj::test {
 
-inline constexpr uint8_t kCanary = 0xA5;
+inline constexpr uint8_t kFiller = 0xA5;
 
 // A piece of memory. `slack` bytes before it let a pointer be moved down; nothing writes there.
 class Piece {

@@ -250,7 +250,7 @@ void expectSameWhenMoved(const Export& function, Scene& scene, Arena& arena, Cou
     scene.set(place, aligned - 1);
     EXPECT_EQ(scene.call(), expectedStatus) << function.name << " with " << place.name << " moved";
     std::memmove(piece.data(), piece.data() - 1, piece.size());
-    *(piece.data() - 1) = kCanary;
+    *(piece.data() - 1) = kFiller;
     scene.set(place, aligned);
     EXPECT_EQ(arena.changed(expected, Arena::Bytes::kPublic), "")
         << function.name << " with " << place.name << " moved";
