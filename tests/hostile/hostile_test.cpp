@@ -151,7 +151,7 @@ bool isDocumented(const Export& function, int status) {
 
 // The call that is being made, for when it does not come back.
 const char* g_call = "";
-[[noreturn]] void tellCall(int) {
+[[noreturn, maybe_unused]] void tellCall(int) {
   std::fprintf(stderr, "crashed: %s\n", g_call);
   std::_Exit(EXIT_FAILURE);
 }
