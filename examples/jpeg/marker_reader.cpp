@@ -1,43 +1,17 @@
 #include "jpeg/marker_reader.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <string>
 
+#include "common/byte_reader.h"
 #include "common/error.h"
 #include "jpeg/markers.h"
 
 namespace examples::jpeg {
-
-// The bytes of one marker segment.
-class ByteReader {
- public:
-  explicit ByteReader(std::span<const uint8_t> bytes) : bytes_(bytes) {}
-
-  size_t left() const { return bytes_.size(); }
-  uint8_t byte() { return take(1)[0]; }
-  uint16_t word() {
-    const std::span<const uint8_t> two = take(2);
-    return static_cast<uint16_t>(two[0] << 8 | two[1]);
-  }
-  std::span<const uint8_t> take(size_t count) {
-    if (count > bytes_.size()) throw Error("a marker segment is too short");
-    const std::span<const uint8_t> taken = bytes_.first(count);
-    bytes_ = bytes_.subspan(count);
-    return taken;
-  }
-  bool takeIf(const char* text, size_t count) {
-    if (bytes_.size() < count || std::memcmp(bytes_.data(), text, count) != 0) return false;
-    bytes_ = bytes_.subspan(count);
-    return true;
-  }
-
- private:
-  std::span<const uint8_t> bytes_;
-};
-
 namespace {
+
+constexpr const char* kSegment = "a marker segment";
 
 constexpr uint8_t kMaxTable = 3;
 constexpr int32_t kMaxFactor = 4;
@@ -83,13 +57,13 @@ uint8_t MarkerReader::nextMarker() {
 }
 
 ByteReader MarkerReader::segment() {
-  ByteReader in(file_.subspan(position_));
+  ByteReader in(file_.subspan(position_), kSegment);
   if (in.left() < 2) throw Error("the file ends within its headers");
   const uint16_t length = in.word();
   if (length < 2) throw Error("a marker segment is too short");
   if (in.left() + 2 < length) throw Error("the file ends within its headers");
   position_ += length;
-  return ByteReader(in.take(length - 2u));
+  return ByteReader(in.take(length - 2u), kSegment);
 }
 
 bool MarkerReader::nextScan() {

@@ -11,9 +11,11 @@
 #include "jpeg/huffman.h"
 #include "jpeg/scan.h"
 
-namespace examples::jpeg {
-
+namespace examples {
 class ByteReader;
+}
+
+namespace examples::jpeg {
 
 class MarkerReader {
  public:

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "jpeg2k/byte_reader.h"
+#include "common/byte_reader.h"
 #include "jpeg2k/parameters.h"
 
 namespace examples::jpeg2k {

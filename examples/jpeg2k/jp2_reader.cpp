@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "common/byte_reader.h"
 #include "common/error.h"
-#include "jpeg2k/byte_reader.h"
 #include "jpeg2k/markers.h"
 
 namespace examples::jpeg2k {
