@@ -128,7 +128,7 @@ class Copy:
     def notices(self, program):
         """How the program ended badly, or None."""
         try:
-            result = run([self.build / "bin" / program, "--gtest_brief=1", "--gtest_fail_fast"], timeout=600)
+            result = run([self.build / "bin" / program, "--gtest_brief=1", "--gtest_fail_fast"], timeout=300)
         except subprocess.TimeoutExpired:
             return f"{program}: does not end"
         if result.returncode == 0:
