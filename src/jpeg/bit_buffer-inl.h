@@ -108,7 +108,7 @@ HWY_INLINE uint8_t* copyStuffed(uint8_t* dst, const uint8_t* src, size_t count) 
 HWY_INLINE uint64_t pendingBits(const HuffmanEncodeState& state) { return uint64_t{state.accumulator} << 40; }
 
 // What the buffer holds goes to the destination and the state. False, with nothing changed, if room might lack.
-HWY_INLINE bool commit(const BitBuffer& buffer, Destination dst, HuffmanEncodeState& state) {
+HWY_INLINE bool commit(const BitBuffer& buffer, const Destination& dst, HuffmanEncodeState& state) {
   const size_t size = buffer.size();
   if (dst.room() < static_cast<int32_t>(2 * size)) return false;
   dst.position = static_cast<int32_t>(copyStuffed(dst.bytes + dst.position, buffer.bytes(), size) - dst.bytes);

@@ -38,7 +38,7 @@ bool refinesDcFromHeld(HuffmanDecodeState& state, int16_t* block, int32_t shift)
 }
 
 StatusCode checkAc(const uint8_t* src, int32_t length, const int32_t* position, const int16_t* block,
-                   const int32_t* marker, SpectralBand band, const HuffmanDecodeSpec* spec,
+                   const int32_t* marker, const SpectralBand& band, const HuffmanDecodeSpec* spec,
                    const HuffmanDecodeState* state) {
   if (anyNull(src)) return StatusNullPointer;
   if (length < 1) return StatusBadSize;

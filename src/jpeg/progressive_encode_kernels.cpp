@@ -63,7 +63,7 @@ class SymbolBuffer {
 // The coefficients of a band in its first scan.
 class FirstScan {
  public:
-  HWY_INLINE FirstScan(const int16_t* block, SpectralBand band)
+  HWY_INLINE FirstScan(const int16_t* block, const SpectralBand& band)
       : coefficients_(block, band.shift),
         left_(coefficients_.nonZero() & band.mask()),
         next_(static_cast<uint32_t>(band.first)),
@@ -106,7 +106,7 @@ class FirstScan {
 // The coefficients of a band in a refinement scan. Positions are bits as in RefinementMasks.
 class RefinementScan {
  public:
-  HWY_INLINE RefinementScan(const int16_t* block, SpectralBand band)
+  HWY_INLINE RefinementScan(const int16_t* block, const SpectralBand& band)
       : masks_(refinementMasks(block, band.shift)), left_(band.reversedMask()) {}
 
   template <class Symbols>
@@ -163,8 +163,8 @@ class RefinementScan {
 };
 
 template <class Scan>
-HWY_NOINLINE StatusCode encodeStepByStep(const int16_t* block, SpectralBand band, const HuffmanEncodeSpec& spec,
-                                         Destination dst, HuffmanEncodeState& state) {
+HWY_NOINLINE StatusCode encodeStepByStep(const int16_t* block, const SpectralBand& band, const HuffmanEncodeSpec& spec,
+                                         const Destination& dst, HuffmanEncodeState& state) {
   SymbolWriter writer(dst, spec, state);
   EobRun eobRun(state);
   const StatusCode status = Scan(block, band).code(writer, eobRun);
@@ -173,7 +173,7 @@ HWY_NOINLINE StatusCode encodeStepByStep(const int16_t* block, SpectralBand band
 }
 
 template <class Scan>
-StatusCode encode(const int16_t* block, SpectralBand band, const HuffmanEncodeSpec& spec, Destination dst,
+StatusCode encode(const int16_t* block, const SpectralBand& band, const HuffmanEncodeSpec& spec, const Destination& dst,
                   HuffmanEncodeState& state) {
   BitBufferMemory memory;
   BitBuffer buffer(memory, pendingBits(state), state.bitCount);
@@ -186,14 +186,14 @@ StatusCode encode(const int16_t* block, SpectralBand band, const HuffmanEncodeSp
   return StatusOk;
 }
 
-StatusCode flush(const HuffmanEncodeSpec& spec, Destination dst, HuffmanEncodeState& state) {
+StatusCode flush(const HuffmanEncodeSpec& spec, const Destination& dst, HuffmanEncodeState& state) {
   SymbolWriter writer(dst, spec, state);
   if (const StatusCode status = EobRun(state).put(writer)) return status;
   return BitWriter(dst, state).flush();
 }
 
 template <class Scan>
-StatusCode count(const int16_t* block, SpectralBand band, uint32_t* counters, HuffmanEncodeState& state) {
+StatusCode count(const int16_t* block, const SpectralBand& band, uint32_t* counters, HuffmanEncodeState& state) {
   SymbolCounter counter(counters);
   EobRun eobRun(state);
   const StatusCode status = Scan(block, band).code(counter, eobRun);
