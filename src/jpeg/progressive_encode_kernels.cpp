@@ -206,8 +206,9 @@ StatusCode countRun(uint32_t* counters, HuffmanEncodeState& state) {
   return EobRun(state).put(counter);
 }
 
-StatusCode countAc(const int16_t* block, uint32_t* counters) {
-  constexpr uint32_t kLargestCategory = 14;
+constexpr uint32_t kLargestCategory = 14;
+
+HWY_INLINE StatusCode countCoefficients(const int16_t* block, uint32_t* counters) {
   const ZigzagCoefficients<PointTransform::kNone> coefficients(block);
   uint32_t next = 1;
   for (uint64_t left = coefficients.nonZero() & ~uint64_t{1}; left != 0; left &= left - 1) {
@@ -222,6 +223,21 @@ StatusCode countAc(const int16_t* block, uint32_t* counters) {
   counters[kEndOfBlock] += next < kBlockSize;
   return StatusOk;
 }
+
+#if ZORJ_SIMD && HWY_TARGET == HWY_AVX3
+StatusCode countAc(const int16_t* block, uint32_t* counters) {
+  const ZigzagSymbols symbols(block);
+  if (!symbols.isUsual()) [[unlikely]]
+    return countCoefficients(block, counters);
+  for (uint32_t i = 0; i < symbols.count(); i += ZigzagSymbols::kGroup) {
+    for (uint32_t k = i; k < i + ZigzagSymbols::kGroup; ++k) counters[symbols[k]] += k < symbols.count();
+  }
+  counters[kEndOfBlock] += symbols.endsEarly();
+  return StatusOk;
+}
+#else
+StatusCode countAc(const int16_t* block, uint32_t* counters) { return countCoefficients(block, counters); }
+#endif
 
 constexpr ProgressiveEncodeKernels kernels = {&encode<FirstScan>,
                                               &encode<RefinementScan>,

@@ -65,8 +65,7 @@ HWY_INLINE uint64_t naturalOrder(uint64_t reversed) {
     for (size_t k = 0; k < kBlockSize; ++k) from[kNaturalOrder[k]] = static_cast<uint8_t>(kBlockSize - 1 - k);
     return from;
   }();
-  return _mm512_movepi8_mask(
-      _mm512_permutexvar_epi8(_mm512_load_si512(kFrom.data()), _mm512_movm_epi8(reversed)));
+  return _mm512_movepi8_mask(_mm512_permutexvar_epi8(_mm512_load_si512(kFrom.data()), _mm512_movm_epi8(reversed)));
 }
 #endif
 
