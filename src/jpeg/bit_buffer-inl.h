@@ -14,7 +14,7 @@ class BitBuffer {
   BitBuffer(BitBufferMemory& memory, uint64_t pending, uint32_t count)
       : bytes_(memory.bytes), next_(memory.bytes), accumulator_(pending), count_(count) {}
 
-  // Appends at least one bit; the caller stores them before they exceed 64.
+  // Appends at least one bit; the caller stores them before they exceed 63.
   HWY_INLINE void put(uint64_t bits, uint32_t count) {
     count_ += count;
     accumulator_ |= bits << (64 - count_);

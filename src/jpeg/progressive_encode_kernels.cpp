@@ -34,12 +34,18 @@ class SymbolBuffer {
  public:
   SymbolBuffer(BitBuffer& buffer, const HuffmanEncodeSpec& spec) : buffer_(buffer), codes_(spec.codes) {}
 
-  HWY_INLINE StatusCode putSymbol(uint32_t symbol, uint32_t bits = 0, uint32_t count = 0) {
+  HWY_INLINE StatusCode putSymbol(uint32_t symbol, uint64_t bits = 0, uint32_t count = 0) {
     const TableEntry entry = codes_[symbol];
     if (entry.length == 0) return StatusBadHuffmanTable;
     buffer_.put(uint64_t{entry.value} << count | bits, entry.length + count);
     buffer_.store();
     return StatusOk;
+  }
+  HWY_INLINE StatusCode putSymbolAndBits(uint32_t symbol, uint64_t bits, uint32_t count) {
+    constexpr uint32_t kMostAtOnce = 63 - 7 - 16;  // beside pending bits and a code
+    if (count <= kMostAtOnce) [[likely]] return putSymbol(symbol, bits, count);
+    if (const StatusCode status = putSymbol(symbol)) return status;
+    return putBits(bits, count);
   }
   HWY_INLINE StatusCode putBits(uint64_t bits, uint32_t count) {
     if (count > 32) {
@@ -68,6 +74,9 @@ class FirstScan {
         left_(coefficients_.nonZero() & band.mask()),
         next_(static_cast<uint32_t>(band.first)),
         end_(static_cast<uint32_t>(band.last) + 1) {}
+
+  // Nothing to code: the block just joins the run.
+  bool isEmpty() const { return left_ == 0; }
 
   template <class Symbols>
   HWY_INLINE StatusCode code(Symbols& symbols, EobRun& eobRun) {
@@ -109,6 +118,8 @@ class RefinementScan {
   HWY_INLINE RefinementScan(const int16_t* block, const SpectralBand& band)
       : masks_(refinementMasks(block, band.shift)), left_(band.reversedMask()) {}
 
+  bool isEmpty() const { return (masks_.nonZero & left_) == 0; }
+
   template <class Symbols>
   HWY_INLINE StatusCode code(Symbols& symbols, EobRun& eobRun) {
     uint64_t newlyNonZero = masks_.one & left_;
@@ -142,20 +153,15 @@ class RefinementScan {
     auto run = static_cast<uint32_t>(std::popcount(zeros));
     for (; run > 15; run -= 16) {
       const uint64_t last = bitAfter(zeros, 15);
-      if (const StatusCode status = symbols.putSymbol(kZeroRun16)) return status;
-      if (const StatusCode status = putCorrections(symbols, before & bitsAbove(last))) return status;
+      const Corrections passed = correctionsAt(before & bitsAbove(last));
+      if (const StatusCode status = symbols.putSymbolAndBits(kZeroRun16, passed.bits, passed.count)) return status;
       before &= last - 1;
       zeros &= last - 1;
     }
-    const uint32_t sign = (masks_.positive & place) != 0;
-    if (const StatusCode status = symbols.putSymbol(run << 4 | 1, sign, 1)) return status;
+    const uint64_t sign = (masks_.positive & place) != 0;
     left_ &= place - 1;
-    return putCorrections(symbols, before);
-  }
-  template <class Symbols>
-  HWY_INLINE StatusCode putCorrections(Symbols& symbols, uint64_t places) const {
-    const Corrections corrections = correctionsAt(places);
-    return symbols.putBits(corrections.bits, corrections.count);
+    const Corrections passed = correctionsAt(before);
+    return symbols.putSymbolAndBits(run << 4 | 1, sign << passed.count | passed.bits, 1 + passed.count);
   }
 
   const RefinementMasks masks_;
@@ -175,11 +181,13 @@ HWY_NOINLINE StatusCode encodeStepByStep(const int16_t* block, const SpectralBan
 template <class Scan>
 StatusCode encode(const int16_t* block, const SpectralBand& band, const HuffmanEncodeSpec& spec, const Destination& dst,
                   HuffmanEncodeState& state) {
+  Scan scan(block, band);
+  if (scan.isEmpty() && EobRun::grows(state)) return StatusOk;
   BitBufferMemory memory;
   BitBuffer buffer(memory, pendingBits(state), state.bitCount);
   SymbolBuffer symbols(buffer, spec);
   EobRun eobRun(state);
-  if (Scan(block, band).code(symbols, eobRun) != StatusOk || !commit(buffer, dst, state)) [[unlikely]] {
+  if (scan.code(symbols, eobRun) != StatusOk || !commit(buffer, dst, state)) [[unlikely]] {
     return encodeStepByStep<Scan>(block, band, spec, dst, state);
   }
   eobRun.commit(state);
@@ -194,9 +202,11 @@ StatusCode flush(const HuffmanEncodeSpec& spec, const Destination& dst, HuffmanE
 
 template <class Scan>
 StatusCode count(const int16_t* block, const SpectralBand& band, uint32_t* counters, HuffmanEncodeState& state) {
+  Scan scan(block, band);
+  if (scan.isEmpty() && EobRun::grows(state)) return StatusOk;
   SymbolCounter counter(counters);
   EobRun eobRun(state);
-  const StatusCode status = Scan(block, band).code(counter, eobRun);
+  const StatusCode status = scan.code(counter, eobRun);
   eobRun.commit(state);
   return status;
 }
