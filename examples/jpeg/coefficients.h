@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -26,11 +27,13 @@ struct Blocks {
   Block& at(int32_t column, int32_t row) const { return first[ptrdiff_t{row} * perRow + column]; }
 };
 
-// The blocks of a rectangle of whole MCUs, all zero at first.
+enum class FirstValues { zero, any };
+
+// The blocks of a rectangle of whole MCUs.
 class McuArray {
  public:
   McuArray() = default;
-  McuArray(const Frame& frame, int32_t mcusWide, int32_t mcusHigh);
+  McuArray(const Frame& frame, int32_t mcusWide, int32_t mcusHigh, FirstValues values = FirstValues::zero);
 
   // A component's blocks from the given MCU on.
   Blocks blocks(size_t component, int32_t mcuColumn, int32_t mcuRow);
@@ -40,7 +43,7 @@ class McuArray {
     int32_t horizontal;
     int32_t vertical;
     int32_t blocksPerRow;
-    std::vector<Block> blocks;
+    std::unique_ptr<Block[]> blocks;
   };
   std::vector<Plane> planes_;
 };

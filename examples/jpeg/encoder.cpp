@@ -132,10 +132,10 @@ void encodeBaseline(const Image& image, const EncodeOptions& options, std::vecto
 }
 
 template <class AnyImage>
-CoefficientImage emptyCoefficients(const AnyImage& image, const EncodeOptions& options) {
+CoefficientImage coefficientsFor(const AnyImage& image, const EncodeOptions& options, FirstValues values) {
   CoefficientImage result;
   result.frame = frameFor(image, options);
-  result.mcus = McuArray(result.frame, result.frame.mcusWide(), result.frame.mcusHigh());
+  result.mcus = McuArray(result.frame, result.frame.mcusWide(), result.frame.mcusHigh(), values);
   result.quantTables = stepsOf(result.frame, quantTables(options.quality));
   return result;
 }
@@ -143,7 +143,7 @@ CoefficientImage emptyCoefficients(const AnyImage& image, const EncodeOptions& o
 }  // namespace
 
 CoefficientImage transform(const Image& image, const EncodeOptions& options) {
-  CoefficientImage result = emptyCoefficients(image, options);
+  CoefficientImage result = coefficientsFor(image, options, FirstValues::any);
   const Frame& frame = result.frame;
   ForwardTransform forward(image, frame, tablesOf(frame, quantTables(options.quality)));
   for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
@@ -154,7 +154,7 @@ CoefficientImage transform(const Image& image, const EncodeOptions& options) {
 
 CoefficientImage transform(const DeepImage& image, const EncodeOptions& options) {
   if (options.precision == 8) return transform(withPrecision<uint8_t>(image, 8), options);
-  CoefficientImage result = emptyCoefficients(image, options);
+  CoefficientImage result = coefficientsFor(image, options, FirstValues::zero);
   transformDeep(withPrecision<uint16_t>(image, options.precision), result);
   return result;
 }
