@@ -1,6 +1,7 @@
 // Quantised coefficients of a frame, or of a part of it.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -71,21 +72,21 @@ struct McuBlock {
 std::vector<McuBlock> interleavedMcu(const Frame& frame, std::span<const size_t> components, McuArray& mcus,
                                      int32_t mcuColumn, int32_t mcuRow);
 
-// Calls run(mcu, count) for each row of MCUs of a scan of these components: `count` MCUs, each of these blocks. The MCU
-// of a lone component is one block, and the image has no more of them than it needs (T.81 A.2.2).
+// Calls run(mcu, count) for the part of a scan of these components that lies in a row of the frame's MCUs: `count` MCUs
+// of the scan, each of these blocks. The MCU of a lone component is one block: there may be several rows of these, and
+// the image has no more of them than it needs (T.81 A.2.2).
 template <class Run>
-void forEachMcuRow(CoefficientImage& image, const std::vector<size_t>& components, const Run& run) {
+void inMcuRow(CoefficientImage& image, const std::vector<size_t>& components, int32_t row, const Run& run) {
   const Frame& frame = image.frame;
   if (components.size() > 1) {
-    for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
-      run(std::span<const McuBlock>(interleavedMcu(frame, components, image.mcus, 0, row)), frame.mcusWide());
-    }
+    run(std::span<const McuBlock>(interleavedMcu(frame, components, image.mcus, 0, row)), frame.mcusWide());
     return;
   }
   const Component& component = frame.components[components[0]];
-  const Blocks blocks = image.mcus.blocks(components[0], 0, 0);
-  for (int32_t row = 0; row < frame.blocksHigh(component); ++row) {
-    const McuBlock block{&blocks.at(0, row), 1, 0};
+  const Blocks blocks = image.mcus.blocks(components[0], 0, row);
+  const int32_t rows = std::min(component.vertical, frame.blocksHigh(component) - row * component.vertical);
+  for (int32_t y = 0; y < rows; ++y) {
+    const McuBlock block{&blocks.at(0, y), 1, 0};
     run(std::span(&block, 1), frame.blocksWide(component));
   }
 }

@@ -5,6 +5,7 @@
 #include "common/error.h"
 #include "common/image_file.h"
 #include "jpeg/codec.h"
+#include "jpeg/coefficient_encoder.h"
 #include "jpeg/deep_pixels.h"
 #include "jpeg/forward_transform.h"
 #include "jpeg/headers.h"
@@ -140,15 +141,22 @@ CoefficientImage coefficientsFor(const AnyImage& image, const EncodeOptions& opt
   return result;
 }
 
-}  // namespace
-
-CoefficientImage transform(const Image& image, const EncodeOptions& options) {
-  CoefficientImage result = coefficientsFor(image, options, FirstValues::any);
+// Fills in the coefficients. Calls done(row) after each row of MCUs.
+template <class Done>
+void transformRows(const Image& image, const EncodeOptions& options, CoefficientImage& result, const Done& done) {
   const Frame& frame = result.frame;
   ForwardTransform forward(image, frame, tablesOf(frame, quantTables(options.quality)));
   for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
     forward.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), result.mcus, 0, row));
+    done(row);
   }
+}
+
+}  // namespace
+
+CoefficientImage transform(const Image& image, const EncodeOptions& options) {
+  CoefficientImage result = coefficientsFor(image, options, FirstValues::any);
+  transformRows(image, options, result, [](int32_t) {});
   return result;
 }
 
@@ -166,8 +174,10 @@ void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_
     return encode(withPrecision<uint16_t>(image, 8), options, jpeg);
   }
   if (!options.optimize && !options.progressive) return encodeBaseline(image, options, jpeg);
-  CoefficientImage coefficients = transform(image, options);
-  encodeCoefficients(coefficients, options, jpeg);
+  CoefficientImage coefficients = coefficientsFor(image, options, FirstValues::any);
+  CoefficientEncoder encoder(coefficients, options);
+  transformRows(image, options, coefficients, [&](int32_t row) { encoder.count(row); });
+  encoder.write(jpeg);
 }
 
 void encode(const DeepImage& image, const EncodeOptions& options, std::vector<uint8_t>& jpeg) {
