@@ -60,9 +60,10 @@ HWY_INLINE StatusCode decodeFirst(BitReader& reader, uint32_t& eobRun, int16_t* 
   return StatusOk;
 }
 
-StatusCode decodeAcFirst(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
-                         int16_t* block, const SpectralBand& band, const HuffmanDecodeSpec& spec) {
-  BitReader reader(source, state);
+StatusCode decodeAcFirst(const uint8_t* bytes, int32_t length, int32_t& position, int32_t& marker,
+                         HuffmanDecodeState& state, int16_t* block, const SpectralBand& band,
+                         const HuffmanDecodeSpec& spec) {
+  BitReader reader({bytes, length, position, marker}, state);
   const StatusCode status = decodeFirst(reader, state.eobRun, block, band, spec);
   reader.finish(position, marker, state);
   return status;
@@ -71,12 +72,8 @@ StatusCode decodeAcFirst(const SourceBytes& source, int32_t& position, int32_t& 
 // Refines the band of a block. Zig-zag position k is bit 63 - k of a mask: correction bits come in that order.
 class BandRefiner {
  public:
-  HWY_INLINE BandRefiner(BitReader& reader, int16_t* block, const SpectralBand& band)
-      : reader_(reader),
-        block_(block),
-        band_(band),
-        left_(band.reversedMask()),
-        nonZero_(nonZeroMask<PointTransform::kNone, true>(block, 0)) {}
+  HWY_INLINE BandRefiner(BitReader& reader, int16_t* block, const SpectralBand& band, uint64_t nonZero)
+      : reader_(reader), block_(block), band_(band), left_(band.reversedMask()), nonZero_(nonZero) {}
 
   HWY_INLINE StatusCode decode(const HuffmanDecodeSpec& spec, uint32_t& eobRun) {
     StatusCode status = StatusOk;
@@ -173,10 +170,16 @@ class BandRefiner {
   uint64_t positive_ = 0;  // among the new ones
 };
 
-StatusCode decodeAcRefine(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
-                          int16_t* block, const SpectralBand& band, const HuffmanDecodeSpec& spec) {
-  BitReader reader(source, state);
-  const StatusCode status = BandRefiner(reader, block, band).decode(spec, state.eobRun);
+StatusCode decodeAcRefine(const uint8_t* bytes, int32_t length, int32_t& position, int32_t& marker,
+                          HuffmanDecodeState& state, int16_t* block, const SpectralBand& band,
+                          const HuffmanDecodeSpec& spec) {
+  const uint64_t nonZero = nonZeroMask<PointTransform::kNone, true>(block, 0);
+  if (state.eobRun > 0 && (nonZero & band.reversedMask()) == 0) {
+    --state.eobRun;
+    return StatusOk;
+  }
+  BitReader reader({bytes, length, position, marker}, state);
+  const StatusCode status = BandRefiner(reader, block, band, nonZero).decode(spec, state.eobRun);
   reader.finish(position, marker, state);
   return status;
 }
