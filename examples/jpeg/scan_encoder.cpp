@@ -63,11 +63,13 @@ StatusCode ScanEncoder::withCoder(const Run& run) {
       });
     case BlockCoding::dcFirst:
       return run([&](const int16_t* block, size_t c, int32_t flush) {
+        if (block) prefetchDc(block);
         return zoriEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(block, bytes, length_, &position_, &lastDc_[c], lowBit,
                                                           tables_[c].dc, state_.get(), flush);
       });
     case BlockCoding::dcRefine:
       return run([&](const int16_t* block, size_t, int32_t flush) {
+        if (block) prefetchDc(block);
         return zoriEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(block, bytes, length_, &position_, lowBit, state_.get(),
                                                            flush);
       });
