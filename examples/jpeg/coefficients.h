@@ -68,11 +68,13 @@ struct McuBlock {
   int16_t* ofMcu(int32_t mcu) const { return first[mcu * advance].values; }
 };
 
-// A DC scan takes two bytes of each block, in turn from several components, which the processor does not foresee: this
-// brings those of a block further on in the row to the caches.
-inline void prefetchDc(const int16_t* block) {
-  constexpr ptrdiff_t kBlocksAhead = 16;
-  __builtin_prefetch(block + 64 * kBlocksAhead);
+// Scans of several components go through as many places in memory, which the processor does not foresee well: these
+// bring a block further on in the row to the caches, a DC scan what it takes of it.
+constexpr ptrdiff_t kBlocksAhead = 16;
+inline void prefetchDc(const int16_t* block) { __builtin_prefetch(block + 64 * kBlocksAhead); }
+inline void prefetchBlock(const int16_t* block) {
+  prefetchDc(block);
+  __builtin_prefetch(block + 64 * kBlocksAhead + 32);
 }
 
 // The blocks of an interleaved scan of these components, from the given MCU on.

@@ -58,7 +58,7 @@ StatusCode ScanEncoder::withCoder(const Run& run) {
   switch (coding_) {
     case BlockCoding::sequential:
       return run([&](const int16_t* block, size_t c, int32_t flush) {
-        if (block) prefetchDc(block);
+        if (block) prefetchBlock(block);
         return zoriEncodeHuffman8x8_JPEG_16s1u_C1(block, bytes, length_, &position_, &lastDc_[c], tables_[c].dc,
                                                   tables_[c].ac, state_.get(), flush);
       });
