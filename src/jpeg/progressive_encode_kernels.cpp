@@ -43,7 +43,8 @@ class SymbolBuffer {
   }
   HWY_INLINE StatusCode putSymbolAndBits(uint32_t symbol, uint64_t bits, uint32_t count) {
     constexpr uint32_t kMostAtOnce = 63 - 7 - 16;  // beside pending bits and a code
-    if (count <= kMostAtOnce) [[likely]] return putSymbol(symbol, bits, count);
+    if (count <= kMostAtOnce) [[likely]]
+      return putSymbol(symbol, bits, count);
     if (const StatusCode status = putSymbol(symbol)) return status;
     return putBits(bits, count);
   }
@@ -240,6 +241,7 @@ StatusCode countAc(const int16_t* block, uint32_t* counters) {
   if (!symbols.isUsual()) [[unlikely]]
     return countCoefficients(block, counters);
   for (uint32_t i = 0; i < symbols.count(); i += ZigzagSymbols::kGroup) {
+    HWY_UNROLL(8)
     for (uint32_t k = i; k < i + ZigzagSymbols::kGroup; ++k) counters[symbols[k]] += k < symbols.count();
   }
   counters[kEndOfBlock] += symbols.endsEarly();

@@ -100,7 +100,7 @@ class ZigzagSymbols {
       return positions;
     }();
     const __m512i all = _mm512_load_si512(kPositions.data()), ones = _mm512_set1_epi8(1);
-    const __mmask64 filled = _bzhi_u64(~uint64_t{0}, count_);
+    const __mmask64 filled = (uint64_t{1} << count_) - 1;
     const __m512i places = _mm512_maskz_compress_epi8(nonZero, all);
     const __m512i placesBefore = _mm512_maskz_permutexvar_epi8(~uint64_t{1}, _mm512_sub_epi8(all, ones), places);
     const __m512i runs = _mm512_sub_epi8(_mm512_sub_epi8(places, placesBefore), ones);
