@@ -52,10 +52,10 @@ void directBlocks(Input& input) {
   expectSameWrites(static_cast<int32_t>((trace[trace.size() - 2] + 7) / 8), calls.subject, calls.model);
 }
 
-void rows(Input& input) {
+void rows(Input& input, size_t tableCount) {
   const int32_t components = input.between(1, 6);
   std::vector<EncoderTable> tables;
-  for (int i = 0; i < 4; ++i) tables.emplace_back(anyLists(input, 17));
+  for (size_t i = 0; i < tableCount; ++i) tables.emplace_back(anyLists(input, 17));
   const int32_t lacking = input.between(0, 40);
   const auto samples = std::min<size_t>(input.rest().size() / 8, 200);
   if (samples == 0) return;
@@ -68,8 +68,8 @@ void rows(Input& input) {
   std::vector<std::vector<int16_t>> decoded(4, std::vector<int16_t>(samples));
   int16_t* rowPointers[4];
   for (size_t c = 0; c < 4; ++c) {
-    specs[c] = decodeSpec(tables[c].lists);
-    specPointers[c] = &specs[c];
+    specs[c] = decodeSpec(tables[c % tableCount].lists);
+    specPointers[c] = &specs[c % tableCount];
     rowPointers[c] = decoded[c].data();
   }
   const Exact<uint8_t> bytes(std::span<const uint8_t>(written.bytes));
@@ -98,13 +98,14 @@ void values(Input& input) {
 
 void fuzz(Input& input) {
   chooseLevel(input);
-  switch (input.byte() % 4) {
+  const uint8_t kind = input.byte();
+  switch (kind % 4) {
     case 0:
       return blocks(input);
     case 1:
       return directBlocks(input);
     case 2:
-      return rows(input);
+      return rows(input, kind < 128 ? 4 : 1);
     default:
       return values(input);
   }

@@ -1,11 +1,10 @@
-// Codes the coefficients of a whole image, scan by scan.
+#include "jpeg/coefficient_encoder.h"
+
 #include <algorithm>
 #include <optional>
 
-#include "jpeg/codec.h"
 #include "jpeg/headers.h"
 #include "jpeg/marker_writer.h"
-#include "jpeg/scan_encoder.h"
 #include "jpeg/script.h"
 
 namespace examples::jpeg {
@@ -67,36 +66,54 @@ class ScanTables {
   std::vector<EncodeTables> ofComponents_;
 };
 
-void encodeScan(CoefficientImage& image, const Scan& scan, bool optimize, int32_t restartInterval,
-                std::vector<uint8_t>& file) {
-  ScanCounter counter(image.frame, scan, restartInterval);
-  if (optimize) {
-    forEachMcuRow(image, scan.components, [&](auto mcu, int32_t count) { counter.count(mcu, count); });
-    counter.finish();
-  }
-  const ScanTables tables(image.frame, scan, optimize ? &counter : nullptr, file);
-  MarkerWriter(file).scan(image.frame, scan);
-  ScanEncoder encoder(file, image.frame.process, scan, tables.ofComponents(), restartInterval);
-  forEachMcuRow(image, scan.components, [&](auto mcu, int32_t count) { encoder.encode(mcu, count); });
-  encoder.finish();
+std::vector<Scan> scansFor(const Frame& frame, const EncodeOptions& options) {
+  if (!options.progressive) return codableScans(frame, {Scan{frame.allComponents()}});
+  const std::vector<Scan> scans = options.script.empty() ? usualScript(frame) : options.script;
+  checkScript(scans, frame.components.size());
+  return codableScans(frame, scans);
 }
 
 }  // namespace
 
-void encodeCoefficients(CoefficientImage& coefficients, const EncodeOptions& options, std::vector<uint8_t>& jpeg) {
-  Frame& frame = coefficients.frame;
+CoefficientEncoder::CoefficientEncoder(CoefficientImage& image, const EncodeOptions& options)
+    : image_(image), restartInterval_(options.restartInterval) {
+  Frame& frame = image.frame;
   frame.process = options.progressive ? Process::progressive : Process::sequential;
-  std::vector<Scan> scans = {Scan{frame.allComponents()}};
-  if (options.progressive) scans = options.script.empty() ? usualScript(frame) : options.script;
-  if (options.progressive) checkScript(scans, frame.components.size());
+  scans_ = scansFor(frame, options);
   // The usual tables lack the symbols of progressive scans and of 12-bit samples.
-  const bool optimize = options.optimize || options.progressive || frame.precision != 8;
+  if (!options.optimize && !options.progressive && frame.precision == 8) return;
+  for (const Scan& scan : scans_) counters_.emplace_back(frame, scan, restartInterval_);
+}
+
+void CoefficientEncoder::count(int32_t mcuRow) {
+  for (size_t i = 0; i < counters_.size(); ++i) {
+    inMcuRow(image_, scans_[i].components, mcuRow, [&](auto mcu, int32_t count) { counters_[i].count(mcu, count); });
+  }
+}
+
+void CoefficientEncoder::write(std::vector<uint8_t>& jpeg) {
+  const Frame& frame = image_.frame;
   jpeg.clear();
-  writeHeaders(frame, coefficients.quantTables, options.restartInterval, jpeg);
-  for (const Scan& scan : codableScans(frame, scans)) {
-    encodeScan(coefficients, scan, optimize, options.restartInterval, jpeg);
+  writeHeaders(frame, image_.quantTables, restartInterval_, jpeg);
+  for (size_t i = 0; i < scans_.size(); ++i) {
+    const Scan& scan = scans_[i];
+    ScanCounter* const counter = counters_.empty() ? nullptr : &counters_[i];
+    if (counter) counter->finish();
+    const ScanTables tables(frame, scan, counter, jpeg);
+    MarkerWriter(jpeg).scan(frame, scan);
+    ScanEncoder encoder(jpeg, frame.process, scan, tables.ofComponents(), restartInterval_);
+    for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
+      inMcuRow(image_, scan.components, row, [&](auto mcu, int32_t count) { encoder.encode(mcu, count); });
+    }
+    encoder.finish();
   }
   MarkerWriter(jpeg).marker(marker::EOI);
+}
+
+void encodeCoefficients(CoefficientImage& coefficients, const EncodeOptions& options, std::vector<uint8_t>& jpeg) {
+  CoefficientEncoder encoder(coefficients, options);
+  for (int32_t row = 0; row < coefficients.frame.mcusHigh(); ++row) encoder.count(row);
+  encoder.write(jpeg);
 }
 
 }  // namespace examples::jpeg

@@ -2,17 +2,19 @@
 
 namespace examples::jpeg {
 
-McuArray::McuArray(const Frame& frame, int32_t mcusWide, int32_t mcusHigh) {
+McuArray::McuArray(const Frame& frame, int32_t mcusWide, int32_t mcusHigh, FirstValues values) {
   for (const Component& component : frame.components) {
     Plane plane{component.horizontal, component.vertical, mcusWide * component.horizontal, {}};
-    plane.blocks.resize(size_t(plane.blocksPerRow) * size_t(mcusHigh * component.vertical));
+    const size_t count = size_t(plane.blocksPerRow) * size_t(mcusHigh * component.vertical);
+    plane.blocks =
+        values == FirstValues::zero ? std::make_unique<Block[]>(count) : std::make_unique_for_overwrite<Block[]>(count);
     planes_.push_back(std::move(plane));
   }
 }
 
 Blocks McuArray::blocks(size_t component, int32_t mcuColumn, int32_t mcuRow) {
   Plane& plane = planes_[component];
-  const Blocks all{plane.blocks.data(), plane.blocksPerRow};
+  const Blocks all{plane.blocks.get(), plane.blocksPerRow};
   return {&all.at(mcuColumn * plane.horizontal, mcuRow * plane.vertical), plane.blocksPerRow};
 }
 

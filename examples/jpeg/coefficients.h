@@ -1,9 +1,11 @@
 // Quantised coefficients of a frame, or of a part of it.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -26,11 +28,13 @@ struct Blocks {
   Block& at(int32_t column, int32_t row) const { return first[ptrdiff_t{row} * perRow + column]; }
 };
 
-// The blocks of a rectangle of whole MCUs, all zero at first.
+enum class FirstValues { zero, any };
+
+// The blocks of a rectangle of whole MCUs.
 class McuArray {
  public:
   McuArray() = default;
-  McuArray(const Frame& frame, int32_t mcusWide, int32_t mcusHigh);
+  McuArray(const Frame& frame, int32_t mcusWide, int32_t mcusHigh, FirstValues values = FirstValues::zero);
 
   // A component's blocks from the given MCU on.
   Blocks blocks(size_t component, int32_t mcuColumn, int32_t mcuRow);
@@ -40,7 +44,7 @@ class McuArray {
     int32_t horizontal;
     int32_t vertical;
     int32_t blocksPerRow;
-    std::vector<Block> blocks;
+    std::unique_ptr<Block[]> blocks;
   };
   std::vector<Plane> planes_;
 };
@@ -64,25 +68,34 @@ struct McuBlock {
   int16_t* ofMcu(int32_t mcu) const { return first[mcu * advance].values; }
 };
 
+// Scans of several components go through as many places in memory, which the processor does not foresee well: these
+// bring a block further on in the row to the caches, a DC scan what it takes of it.
+constexpr ptrdiff_t kBlocksAhead = 16;
+inline void prefetchDc(const int16_t* block) { __builtin_prefetch(block + 64 * kBlocksAhead); }
+inline void prefetchBlock(const int16_t* block) {
+  prefetchDc(block);
+  __builtin_prefetch(block + 64 * kBlocksAhead + 32);
+}
+
 // The blocks of an interleaved scan of these components, from the given MCU on.
 std::vector<McuBlock> interleavedMcu(const Frame& frame, std::span<const size_t> components, McuArray& mcus,
                                      int32_t mcuColumn, int32_t mcuRow);
 
-// Calls run(mcu, count) for each row of MCUs of a scan of these components: `count` MCUs, each of these blocks. The MCU
-// of a lone component is one block, and the image has no more of them than it needs (T.81 A.2.2).
+// Calls run(mcu, count) for the part of a scan of these components that lies in a row of the frame's MCUs: `count` MCUs
+// of the scan, each of these blocks. The MCU of a lone component is one block: there may be several rows of these, and
+// the image has no more of them than it needs (T.81 A.2.2).
 template <class Run>
-void forEachMcuRow(CoefficientImage& image, const std::vector<size_t>& components, const Run& run) {
+void inMcuRow(CoefficientImage& image, const std::vector<size_t>& components, int32_t row, const Run& run) {
   const Frame& frame = image.frame;
   if (components.size() > 1) {
-    for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
-      run(std::span<const McuBlock>(interleavedMcu(frame, components, image.mcus, 0, row)), frame.mcusWide());
-    }
+    run(std::span<const McuBlock>(interleavedMcu(frame, components, image.mcus, 0, row)), frame.mcusWide());
     return;
   }
   const Component& component = frame.components[components[0]];
-  const Blocks blocks = image.mcus.blocks(components[0], 0, 0);
-  for (int32_t row = 0; row < frame.blocksHigh(component); ++row) {
-    const McuBlock block{&blocks.at(0, row), 1, 0};
+  const Blocks blocks = image.mcus.blocks(components[0], 0, row);
+  const int32_t rows = std::min(component.vertical, frame.blocksHigh(component) - row * component.vertical);
+  for (int32_t y = 0; y < rows; ++y) {
+    const McuBlock block{&blocks.at(0, y), 1, 0};
     run(std::span(&block, 1), frame.blocksWide(component));
   }
 }

@@ -30,10 +30,12 @@ void readFirstScan(MarkerReader& reader) {
 // A scan into the coefficients of the whole image.
 void decodeScan(const MarkerReader& reader, ScanDecoder& scan, CoefficientImage& image, Damage& damage) {
   int64_t mcus = 0;
-  forEachMcuRow(image, reader.scan().components, [&](std::span<const McuBlock> mcu, int32_t count) {
-    scan.decode(mcu, count);
-    mcus += count;
-  });
+  for (int32_t row = 0; row < image.frame.mcusHigh(); ++row) {
+    inMcuRow(image, reader.scan().components, row, [&](std::span<const McuBlock> mcu, int32_t count) {
+      scan.decode(mcu, count);
+      mcus += count;
+    });
+  }
   damage.count(scan.lostMcus(), mcus);
 }
 

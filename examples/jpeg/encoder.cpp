@@ -5,6 +5,7 @@
 #include "common/error.h"
 #include "common/image_file.h"
 #include "jpeg/codec.h"
+#include "jpeg/coefficient_encoder.h"
 #include "jpeg/deep_pixels.h"
 #include "jpeg/forward_transform.h"
 #include "jpeg/headers.h"
@@ -132,29 +133,36 @@ void encodeBaseline(const Image& image, const EncodeOptions& options, std::vecto
 }
 
 template <class AnyImage>
-CoefficientImage emptyCoefficients(const AnyImage& image, const EncodeOptions& options) {
+CoefficientImage coefficientsFor(const AnyImage& image, const EncodeOptions& options, FirstValues values) {
   CoefficientImage result;
   result.frame = frameFor(image, options);
-  result.mcus = McuArray(result.frame, result.frame.mcusWide(), result.frame.mcusHigh());
+  result.mcus = McuArray(result.frame, result.frame.mcusWide(), result.frame.mcusHigh(), values);
   result.quantTables = stepsOf(result.frame, quantTables(options.quality));
   return result;
+}
+
+// Fills in the coefficients. Calls done(row) after each row of MCUs.
+template <class Done>
+void transformRows(const Image& image, const EncodeOptions& options, CoefficientImage& result, const Done& done) {
+  const Frame& frame = result.frame;
+  ForwardTransform forward(image, frame, tablesOf(frame, quantTables(options.quality)));
+  for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
+    forward.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), result.mcus, 0, row));
+    done(row);
+  }
 }
 
 }  // namespace
 
 CoefficientImage transform(const Image& image, const EncodeOptions& options) {
-  CoefficientImage result = emptyCoefficients(image, options);
-  const Frame& frame = result.frame;
-  ForwardTransform forward(image, frame, tablesOf(frame, quantTables(options.quality)));
-  for (int32_t row = 0; row < frame.mcusHigh(); ++row) {
-    forward.run(0, row, frame.mcusWide(), interleavedMcu(frame, frame.allComponents(), result.mcus, 0, row));
-  }
+  CoefficientImage result = coefficientsFor(image, options, FirstValues::any);
+  transformRows(image, options, result, [](int32_t) {});
   return result;
 }
 
 CoefficientImage transform(const DeepImage& image, const EncodeOptions& options) {
   if (options.precision == 8) return transform(withPrecision<uint8_t>(image, 8), options);
-  CoefficientImage result = emptyCoefficients(image, options);
+  CoefficientImage result = coefficientsFor(image, options, FirstValues::zero);
   transformDeep(withPrecision<uint16_t>(image, options.precision), result);
   return result;
 }
@@ -166,8 +174,10 @@ void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_
     return encode(withPrecision<uint16_t>(image, 8), options, jpeg);
   }
   if (!options.optimize && !options.progressive) return encodeBaseline(image, options, jpeg);
-  CoefficientImage coefficients = transform(image, options);
-  encodeCoefficients(coefficients, options, jpeg);
+  CoefficientImage coefficients = coefficientsFor(image, options, FirstValues::any);
+  CoefficientEncoder encoder(coefficients, options);
+  transformRows(image, options, coefficients, [&](int32_t row) { encoder.count(row); });
+  encoder.write(jpeg);
 }
 
 void encode(const DeepImage& image, const EncodeOptions& options, std::vector<uint8_t>& jpeg) {

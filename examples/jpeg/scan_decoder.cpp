@@ -25,11 +25,13 @@ void ScanDecoder::decode(std::span<const McuBlock> mcu, int32_t count) {
       });
     case BlockCoding::dcFirst:
       return decodeMcus(mcu, count, [&](int16_t* block, size_t c) {
+        prefetchDc(block);
         return zoriDecodeHuffman8x8_DCFirst_JPEG_1u16s_C1(d.bytes, d.length, &d.position, block, &lastDc_[c], &d.marker,
                                                           scan_.lowBit, tables_[c].dc, state);
       });
     case BlockCoding::dcRefine:
       return decodeMcus(mcu, count, [&](int16_t* block, size_t) {
+        prefetchDc(block);
         return zoriDecodeHuffman8x8_DCRefine_JPEG_1u16s_C1(d.bytes, d.length, &d.position, block, &d.marker,
                                                            scan_.lowBit, state);
       });

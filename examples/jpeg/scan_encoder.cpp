@@ -21,6 +21,16 @@ constexpr size_t kMaxRestartBytes = 4;
 // The block encoder is quicker while it has room to spare.
 constexpr size_t kSpareBytes = 32;
 
+constexpr const char* kTooLarge = "a coefficient is too large to be coded";
+
+template <class Code>
+StatusCode codeMcu(std::span<const McuBlock> mcu, int32_t i, const Code& code) {
+  for (const McuBlock& block : mcu) {
+    if (const StatusCode status = code(block.ofMcu(i), block.component, 0)) return status;
+  }
+  return StatusOk;
+}
+
 }  // namespace
 
 ScanEncoder::ScanEncoder(std::vector<uint8_t>& file, Process process, const Scan& scan,
@@ -40,31 +50,47 @@ void ScanEncoder::makeRoom(size_t bytes) {
   length_ = static_cast<int32_t>(std::min<size_t>(file_.size(), std::numeric_limits<int32_t>::max()));
 }
 
-StatusCode ScanEncoder::code(const int16_t* block, size_t component, int32_t flush) {
-  const EncodeTables& tables = tables_[component];
-  int16_t* const lastDc = &lastDc_[component];
+// Calls run(code): code(block, component, flush) codes a block, or ends what was coded.
+template <class Run>
+StatusCode ScanEncoder::withCoder(const Run& run) {
   uint8_t* const bytes = file_.data();
+  const int32_t first = scan_.first, last = scan_.last, lowBit = scan_.lowBit;
   switch (coding_) {
     case BlockCoding::sequential:
-      return zoriEncodeHuffman8x8_JPEG_16s1u_C1(block, bytes, length_, &position_, lastDc, tables.dc, tables.ac,
-                                                state_.get(), flush);
+      return run([&](const int16_t* block, size_t c, int32_t flush) {
+        if (block) prefetchBlock(block);
+        return zoriEncodeHuffman8x8_JPEG_16s1u_C1(block, bytes, length_, &position_, &lastDc_[c], tables_[c].dc,
+                                                  tables_[c].ac, state_.get(), flush);
+      });
     case BlockCoding::dcFirst:
-      return zoriEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(block, bytes, length_, &position_, lastDc, scan_.lowBit,
-                                                        tables.dc, state_.get(), flush);
+      return run([&](const int16_t* block, size_t c, int32_t flush) {
+        if (block) prefetchDc(block);
+        return zoriEncodeHuffman8x8_DCFirst_JPEG_16s1u_C1(block, bytes, length_, &position_, &lastDc_[c], lowBit,
+                                                          tables_[c].dc, state_.get(), flush);
+      });
     case BlockCoding::dcRefine:
-      return zoriEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(block, bytes, length_, &position_, scan_.lowBit, state_.get(),
-                                                         flush);
+      return run([&](const int16_t* block, size_t, int32_t flush) {
+        if (block) prefetchDc(block);
+        return zoriEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(block, bytes, length_, &position_, lowBit, state_.get(),
+                                                           flush);
+      });
     case BlockCoding::acFirst:
-      return zoriEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(block, bytes, length_, &position_, scan_.first, scan_.last,
-                                                        scan_.lowBit, tables.ac, state_.get(), flush);
+      return run([&](const int16_t* block, size_t c, int32_t flush) {
+        return zoriEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(block, bytes, length_, &position_, first, last, lowBit,
+                                                          tables_[c].ac, state_.get(), flush);
+      });
     case BlockCoding::acRefine:
-      return zoriEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(block, bytes, length_, &position_, scan_.first, scan_.last,
-                                                         scan_.lowBit, tables.ac, state_.get(), flush);
+      return run([&](const int16_t* block, size_t c, int32_t flush) {
+        return zoriEncodeHuffman8x8_ACRefine_JPEG_16s1u_C1(block, bytes, length_, &position_, first, last, lowBit,
+                                                           tables_[c].ac, state_.get(), flush);
+      });
   }
   return StatusBadArgument;
 }
 
-void ScanEncoder::flush() { code(nullptr, 0, 1); }
+void ScanEncoder::flush() {
+  withCoder([](const auto& code) { return code(nullptr, 0, 1); });
+}
 
 void ScanEncoder::restart() {
   flush();
@@ -77,15 +103,17 @@ void ScanEncoder::restart() {
 
 void ScanEncoder::encode(std::span<const McuBlock> mcu, int32_t count) {
   makeRoom(static_cast<size_t>(count) * (mcu.size() * kMaxBlockBytes + kMaxRestartBytes) + kMaxRunBytes + kSpareBytes);
-  for (int32_t i = 0; i < count; ++i) {
-    if (restartInterval_ > 0) {
-      if (untilRestart_ == 0) restart();
-      --untilRestart_;
+  const StatusCode result = withCoder([&](const auto& code) {
+    for (int32_t i = 0; i < count; ++i) {
+      if (restartInterval_ > 0) {
+        if (untilRestart_ == 0) restart();
+        --untilRestart_;
+      }
+      if (const StatusCode status = codeMcu(mcu, i, code)) return status;
     }
-    for (const McuBlock& block : mcu) {
-      if (code(block.ofMcu(i), block.component, 0) != StatusOk) throw Error("a coefficient is too large to be coded");
-    }
-  }
+    return StatusOk;
+  });
+  if (result != StatusOk) throw Error(kTooLarge);
 }
 
 void ScanEncoder::finish() {
@@ -102,43 +130,55 @@ ScanCounter::ScanCounter(const Frame& frame, const Scan& scan, int32_t restartIn
   for (const size_t component : scan.components) tables_.push_back(huffmanTableOf(frame.components[component]));
 }
 
-StatusCode ScanCounter::code(const int16_t* block, size_t component, int32_t flush) {
-  int32_t* const dc = dc_[tables_[component]].data();
-  int32_t* const ac = ac_[tables_[component]].data();
+// Calls run(code): code(block, component, flush) counts a block, or what the end of the scan would write.
+template <class Run>
+StatusCode ScanCounter::withCoder(const Run& run) {
+  const int32_t first = scan_.first, last = scan_.last, lowBit = scan_.lowBit;
   switch (coding_) {
     case BlockCoding::sequential:
-      return flush ? StatusOk : zoriGetHuffmanStatistics8x8_JPEG_16s_C1(block, dc, ac, &lastDc_[component]);
+      return run([&](const int16_t* block, size_t c, int32_t flush) {
+        return flush ? StatusOk : zoriGetHuffmanStatistics8x8_JPEG_16s_C1(block, dcOf(c), acOf(c), &lastDc_[c]);
+      });
     case BlockCoding::dcFirst:
-      return flush ? StatusOk
-                   : zoriGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(block, dc, &lastDc_[component], scan_.lowBit);
+      return run([&](const int16_t* block, size_t c, int32_t flush) {
+        return flush ? StatusOk : zoriGetHuffmanStatistics8x8_DCFirst_JPEG_16s_C1(block, dcOf(c), &lastDc_[c], lowBit);
+      });
     case BlockCoding::dcRefine:
       return StatusOk;
     case BlockCoding::acFirst:
-      return zoriGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(block, ac, scan_.first, scan_.last, scan_.lowBit,
-                                                             state_.get(), flush);
+      return run([&](const int16_t* block, size_t c, int32_t flush) {
+        return zoriGetHuffmanStatistics8x8_ACFirst_JPEG_16s_C1(block, acOf(c), first, last, lowBit, state_.get(),
+                                                               flush);
+      });
     case BlockCoding::acRefine:
-      return zoriGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(block, ac, scan_.first, scan_.last, scan_.lowBit,
-                                                              state_.get(), flush);
+      return run([&](const int16_t* block, size_t c, int32_t flush) {
+        return zoriGetHuffmanStatistics8x8_ACRefine_JPEG_16s_C1(block, acOf(c), first, last, lowBit, state_.get(),
+                                                                flush);
+      });
   }
   return StatusBadArgument;
 }
 
 void ScanCounter::count(std::span<const McuBlock> mcu, int32_t count) {
-  for (int32_t i = 0; i < count; ++i) {
-    if (restartInterval_ > 0) {
-      if (untilRestart_ == 0) {
-        finish();
-        untilRestart_ = restartInterval_;
-        std::fill(std::begin(lastDc_), std::end(lastDc_), int16_t{0});
+  const StatusCode result = withCoder([&](const auto& code) {
+    for (int32_t i = 0; i < count; ++i) {
+      if (restartInterval_ > 0) {
+        if (untilRestart_ == 0) {
+          code(nullptr, 0, 1);
+          untilRestart_ = restartInterval_;
+          std::fill(std::begin(lastDc_), std::end(lastDc_), int16_t{0});
+        }
+        --untilRestart_;
       }
-      --untilRestart_;
+      if (const StatusCode status = codeMcu(mcu, i, code)) return status;
     }
-    for (const McuBlock& block : mcu) {
-      if (code(block.ofMcu(i), block.component, 0) != StatusOk) throw Error("a coefficient is too large to be coded");
-    }
-  }
+    return StatusOk;
+  });
+  if (result != StatusOk) throw Error(kTooLarge);
 }
 
-void ScanCounter::finish() { code(nullptr, 0, 1); }
+void ScanCounter::finish() {
+  withCoder([](const auto& code) { return code(nullptr, 0, 1); });
+}
 
 }  // namespace examples::jpeg

@@ -31,7 +31,8 @@ class ScanEncoder {
 
  private:
   void makeRoom(size_t bytes);
-  StatusCode code(const int16_t* block, size_t component, int32_t flush);
+  template <class Run>
+  StatusCode withCoder(const Run& run);
   void flush();
   void restart();
 
@@ -62,7 +63,10 @@ class ScanCounter {
   const SymbolCounts& ac(size_t table) const { return ac_[table]; }
 
  private:
-  StatusCode code(const int16_t* block, size_t component, int32_t flush);
+  template <class Run>
+  StatusCode withCoder(const Run& run);
+  int32_t* dcOf(size_t component) { return dc_[tables_[component]].data(); }
+  int32_t* acOf(size_t component) { return ac_[tables_[component]].data(); }
 
   BlockCoding coding_;
   Scan scan_;

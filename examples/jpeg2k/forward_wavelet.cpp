@@ -114,6 +114,7 @@ template class LevelTransform<float>;
 
 template <class T>
 void transformRows(const Plane<T>& source, const WaveletLevel<T>& level, int32_t begin, int32_t end) {
+  if (level.rect.width == 0 || level.rect.height == 0) return;
   LevelTransform<T> transform(level, begin, end);
   if (level.rect.height == 1) return transform.singleRow(source.row(0));
   const int32_t parity = level.rect.y & 1;

@@ -14,7 +14,7 @@ class BitBuffer {
   BitBuffer(BitBufferMemory& memory, uint64_t pending, uint32_t count)
       : bytes_(memory.bytes), next_(memory.bytes), accumulator_(pending), count_(count) {}
 
-  // Appends at least one bit; the caller stores them before they exceed 64.
+  // Appends at least one bit; the caller stores them before they exceed 63.
   HWY_INLINE void put(uint64_t bits, uint32_t count) {
     count_ += count;
     accumulator_ |= bits << (64 - count_);
@@ -108,7 +108,7 @@ HWY_INLINE uint8_t* copyStuffed(uint8_t* dst, const uint8_t* src, size_t count) 
 HWY_INLINE uint64_t pendingBits(const HuffmanEncodeState& state) { return uint64_t{state.accumulator} << 40; }
 
 // What the buffer holds goes to the destination and the state. False, with nothing changed, if room might lack.
-HWY_INLINE bool commit(const BitBuffer& buffer, Destination dst, HuffmanEncodeState& state) {
+HWY_INLINE bool commit(const BitBuffer& buffer, const Destination& dst, HuffmanEncodeState& state) {
   const size_t size = buffer.size();
   if (dst.room() < static_cast<int32_t>(2 * size)) return false;
   dst.position = static_cast<int32_t>(copyStuffed(dst.bytes + dst.position, buffer.bytes(), size) - dst.bytes);

@@ -7,6 +7,13 @@ class EobRun {
   explicit EobRun(const HuffmanEncodeState& state)
       : blocks_(state.eobRun), held_(state.correctionBits), heldCount_(state.correctionCount) {}
 
+  // One more block with nothing to code; false if that has to be written.
+  static HWY_INLINE bool grows(HuffmanEncodeState& state) {
+    if (state.eobRun >= kMaxBlocks - 1) return false;
+    ++state.eobRun;
+    return true;
+  }
+
   // Writes the run, if there is one, and the correction bits of its blocks (T.81 Figure G.4).
   template <class Symbols>
   HWY_INLINE StatusCode put(Symbols& symbols) {

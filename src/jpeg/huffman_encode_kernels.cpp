@@ -103,7 +103,7 @@ HWY_INLINE bool collectBlock(BitBuffer& buffer, const int16_t* block, int32_t dc
 }
 
 bool encodeBlock(const int16_t* block, int32_t dcDifference, const HuffmanEncodeSpec& dcSpec,
-                 const HuffmanEncodeSpec& acSpec, Destination dst, HuffmanEncodeState& state) {
+                 const HuffmanEncodeSpec& acSpec, const Destination& dst, HuffmanEncodeState& state) {
   BitBufferMemory memory;
   BitBuffer buffer(memory, pendingBits(state), state.bitCount);
   return collectBlock(buffer, block, dcDifference, dcSpec, acSpec) && commit(buffer, dst, state);
@@ -182,7 +182,7 @@ HWY_INLINE void interleave(const int16_t* const rows[], ptrdiff_t first, ptrdiff
 }
 
 int64_t encodeDifferences(const int16_t* const rows[], int64_t count, int32_t components,
-                          const HuffmanEncodeSpec* const specs[], Destination dst, HuffmanEncodeState& state) {
+                          const HuffmanEncodeSpec* const specs[], const Destination& dst, HuffmanEncodeState& state) {
   // Differences whose bits the buffer can hold: whole samples of one to four components.
   constexpr int64_t kChunk = 48;
   bool isOneTable = true;

@@ -52,7 +52,8 @@ StatusCode encodeDifference(BitWriter& writer, int32_t difference, const Huffman
 }
 
 StatusCode encodeRow(BitWriter& writer, const int16_t* const rows[], int32_t samples, int32_t components,
-                     const HuffmanEncodeSpec* const specs[], Destination destination, HuffmanEncodeState& state) {
+                     const HuffmanEncodeSpec* const specs[], const Destination& destination,
+                     HuffmanEncodeState& state) {
   const int64_t count = int64_t{samples} * components;
   int64_t i = huffmanEncodeKernels().differences(rows, count, components, specs, destination, state);
   for (; i < count; ++i) {

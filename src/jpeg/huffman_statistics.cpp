@@ -17,10 +17,10 @@ StatusCode countCategory(int32_t value, uint32_t largest, int32_t* counters) {
   return SymbolCounter(asUnsigned(counters)).putSymbol(category);
 }
 
-using AcCounter = StatusCode (*)(const int16_t*, SpectralBand, uint32_t*, HuffmanEncodeState&);
+using AcCounter = StatusCode (*)(const int16_t*, const SpectralBand&, uint32_t*, HuffmanEncodeState&);
 
-StatusCode countAc(const int16_t* block, int32_t* counters, SpectralBand band, HuffmanEncodeState* state, int32_t flush,
-                   AcCounter count) {
+StatusCode countAc(const int16_t* block, int32_t* counters, const SpectralBand& band, HuffmanEncodeState* state,
+                   int32_t flush, AcCounter count) {
   if (anyNull(counters, state)) return StatusNullPointer;
   if (flush) {
     const StatusCode status = progressiveEncodeKernels().countRun(asUnsigned(counters), *state);

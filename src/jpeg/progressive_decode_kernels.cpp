@@ -34,7 +34,7 @@ HWY_INLINE StatusCode takeEobRun(BitReader& reader, uint32_t category, uint32_t&
 }
 
 // The first scan of the band of a block.
-HWY_INLINE StatusCode decodeFirst(BitReader& reader, uint32_t& eobRun, int16_t* block, SpectralBand band,
+HWY_INLINE StatusCode decodeFirst(BitReader& reader, uint32_t& eobRun, int16_t* block, const SpectralBand& band,
                                   const HuffmanDecodeSpec& spec) {
   auto position = static_cast<uint32_t>(band.first);
   const auto last = static_cast<uint32_t>(band.last);
@@ -60,9 +60,10 @@ HWY_INLINE StatusCode decodeFirst(BitReader& reader, uint32_t& eobRun, int16_t* 
   return StatusOk;
 }
 
-StatusCode decodeAcFirst(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
-                         int16_t* block, SpectralBand band, const HuffmanDecodeSpec& spec) {
-  BitReader reader(source, state);
+StatusCode decodeAcFirst(const uint8_t* bytes, int32_t length, int32_t& position, int32_t& marker,
+                         HuffmanDecodeState& state, int16_t* block, const SpectralBand& band,
+                         const HuffmanDecodeSpec& spec) {
+  BitReader reader({bytes, length, position, marker}, state);
   const StatusCode status = decodeFirst(reader, state.eobRun, block, band, spec);
   reader.finish(position, marker, state);
   return status;
@@ -71,12 +72,8 @@ StatusCode decodeAcFirst(const SourceBytes& source, int32_t& position, int32_t& 
 // Refines the band of a block. Zig-zag position k is bit 63 - k of a mask: correction bits come in that order.
 class BandRefiner {
  public:
-  HWY_INLINE BandRefiner(BitReader& reader, int16_t* block, SpectralBand band)
-      : reader_(reader),
-        block_(block),
-        band_(band),
-        left_(band.reversedMask()),
-        nonZero_(nonZeroMask<PointTransform::kNone, true>(block, 0)) {}
+  HWY_INLINE BandRefiner(BitReader& reader, int16_t* block, const SpectralBand& band, uint64_t nonZero)
+      : reader_(reader), block_(block), band_(band), left_(band.reversedMask()), nonZero_(nonZero) {}
 
   HWY_INLINE StatusCode decode(const HuffmanDecodeSpec& spec, uint32_t& eobRun) {
     StatusCode status = StatusOk;
@@ -85,7 +82,7 @@ class BandRefiner {
       status = correct(left_);
       eobRun -= status == StatusOk;
     }
-    addBits(set_);
+    setCoefficients();
     return status;
   }
 
@@ -106,14 +103,15 @@ class BandRefiner {
     const uint64_t passed = place == 0 ? left_ : left_ & bitsAbove(place);
     if (const StatusCode status = correct(passed)) return status;
     left_ = place == 0 ? 0 : left_ & (place - 1);
-    if (isNew) storeNew(place, positive);
+    if (!isNew) return StatusOk;
+    if (place == 0) [[unlikely]] {
+      const int32_t one = 1 << band_.shift;
+      int16_t* behind = coefficientAt(block_, static_cast<uint32_t>(band_.last + 1));
+      storeUnaligned(behind, static_cast<int16_t>(positive ? one : -one));
+    }
+    new_ |= place;
+    positive_ |= positive ? place : 0;
     return StatusOk;
-  }
-
-  HWY_INLINE void storeNew(uint64_t place, uint32_t positive) {
-    const auto position = static_cast<uint32_t>(place != 0 ? std::countl_zero(place) : band_.last + 1);
-    const int32_t one = 1 << band_.shift;
-    storeUnaligned(coefficientAt(block_, position), static_cast<int16_t>(positive ? one : -one));
   }
 
   // Takes a correction bit for each coefficient of `places` that is not zero.
@@ -133,16 +131,33 @@ class BandRefiner {
     return StatusOk;
   }
 
-  // Sets the magnitude bit that this scan refines.
-  HWY_INLINE void addBits(uint64_t places) {
-    while (places != 0) {
-      const auto position = static_cast<uint32_t>(std::countl_zero(places));
-      places &= ~(uint64_t{1} << 63 >> position);
+  // The new coefficients, and the magnitude bits that the correction bits set.
+  HWY_INLINE void setCoefficients() {
+    const int32_t one = 1 << band_.shift;
+#if ZORJ_SIMD && HWY_TARGET == HWY_AVX3
+    if ((set_ | new_) == 0) return;
+    const uint64_t set = naturalOrder(set_), added = naturalOrder(new_), positive = naturalOrder(positive_);
+    const __m512i ones = _mm512_set1_epi16(static_cast<int16_t>(one));
+    for (int half = 0; half < 2; ++half) {
+      const auto of = [half](uint64_t mask) HWY_ATTR { return static_cast<__mmask32>(mask >> (32 * half)); };
+      const __m512i before = _mm512_loadu_si512(block_ + 32 * half), sign = _mm512_srai_epi16(before, 15);
+      const __m512i magnitude = _mm512_or_si512(_mm512_abs_epi16(before), ones);
+      __m512i values = _mm512_mask_sub_epi16(before, of(set), _mm512_xor_si512(magnitude, sign), sign);
+      values = _mm512_mask_sub_epi16(values, of(added), _mm512_setzero_si512(), ones);
+      _mm512_storeu_si512(block_ + 32 * half, _mm512_mask_mov_epi16(values, of(positive), ones));
+    }
+#else
+    for (uint64_t left = set_ | new_; left != 0;) {
+      const auto position = static_cast<uint32_t>(std::countl_zero(left));
+      const uint64_t place = uint64_t{1} << 63 >> position;
+      left ^= place;
       int16_t* coefficient = block_ + kNaturalOrder[position];
-      const int32_t value = loadUnaligned(coefficient), sign = value >> 31;
-      const int32_t magnitude = ((value ^ sign) - sign) | 1 << band_.shift;
+      const int32_t before = loadUnaligned(coefficient);
+      const int32_t sign = (new_ & place) != 0 ? -((positive_ & place) == 0) : before >> 31;
+      const int32_t magnitude = ((before ^ sign) - sign) | one;
       storeUnaligned(coefficient, static_cast<int16_t>((magnitude ^ sign) - sign));
     }
+#endif
   }
 
   BitReader& reader_;
@@ -150,13 +165,21 @@ class BandRefiner {
   SpectralBand band_;
   uint64_t left_;  // the positions not passed yet
   const uint64_t nonZero_;
-  uint64_t set_ = 0;  // the positions whose correction bit was 1
+  uint64_t set_ = 0;       // the positions whose correction bit was 1
+  uint64_t new_ = 0;       // those that were zero before this scan
+  uint64_t positive_ = 0;  // among the new ones
 };
 
-StatusCode decodeAcRefine(const SourceBytes& source, int32_t& position, int32_t& marker, HuffmanDecodeState& state,
-                          int16_t* block, SpectralBand band, const HuffmanDecodeSpec& spec) {
-  BitReader reader(source, state);
-  const StatusCode status = BandRefiner(reader, block, band).decode(spec, state.eobRun);
+StatusCode decodeAcRefine(const uint8_t* bytes, int32_t length, int32_t& position, int32_t& marker,
+                          HuffmanDecodeState& state, int16_t* block, const SpectralBand& band,
+                          const HuffmanDecodeSpec& spec) {
+  const uint64_t nonZero = nonZeroMask<PointTransform::kNone, true>(block, 0);
+  if (state.eobRun > 0 && (nonZero & band.reversedMask()) == 0) {
+    --state.eobRun;
+    return StatusOk;
+  }
+  BitReader reader({bytes, length, position, marker}, state);
+  const StatusCode status = BandRefiner(reader, block, band, nonZero).decode(spec, state.eobRun);
   reader.finish(position, marker, state);
   return status;
 }

@@ -38,7 +38,7 @@ bool refinesDcFromHeld(HuffmanDecodeState& state, int16_t* block, int32_t shift)
 }
 
 StatusCode checkAc(const uint8_t* src, int32_t length, const int32_t* position, const int16_t* block,
-                   const int32_t* marker, SpectralBand band, const HuffmanDecodeSpec* spec,
+                   const int32_t* marker, const SpectralBand& band, const HuffmanDecodeSpec* spec,
                    const HuffmanDecodeState* state) {
   if (anyNull(src)) return StatusNullPointer;
   if (length < 1) return StatusBadSize;
@@ -96,8 +96,7 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_ACFirst_JPEG_1u16s_C1(const uint8_t* p
     --pState->eobRun;
     return StatusOk;
   }
-  return progressiveDecodeKernels().acFirst({pSrc, srcLength, *pSrcPosition, *pMarker}, *pSrcPosition, *pMarker,
-                                            *pState, pDst, band, *pAcSpec);
+  return progressiveDecodeKernels().acFirst(pSrc, srcLength, *pSrcPosition, *pMarker, *pState, pDst, band, *pAcSpec);
 }
 
 StatusCode ZORJ_CALL zoriDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const uint8_t* pSrc, int32_t srcLength,
@@ -109,6 +108,5 @@ StatusCode ZORJ_CALL zoriDecodeHuffman8x8_ACRefine_JPEG_1u16s_C1(const uint8_t* 
   if (const StatusCode status = checkAc(pSrc, srcLength, pSrcPosition, pDst, pMarker, band, pAcSpec, pState)) {
     return status;
   }
-  return progressiveDecodeKernels().acRefine({pSrc, srcLength, *pSrcPosition, *pMarker}, *pSrcPosition, *pMarker,
-                                             *pState, pDst, band, *pAcSpec);
+  return progressiveDecodeKernels().acRefine(pSrc, srcLength, *pSrcPosition, *pMarker, *pState, pDst, band, *pAcSpec);
 }

@@ -34,12 +34,19 @@ class SymbolBuffer {
  public:
   SymbolBuffer(BitBuffer& buffer, const HuffmanEncodeSpec& spec) : buffer_(buffer), codes_(spec.codes) {}
 
-  HWY_INLINE StatusCode putSymbol(uint32_t symbol, uint32_t bits = 0, uint32_t count = 0) {
+  HWY_INLINE StatusCode putSymbol(uint32_t symbol, uint64_t bits = 0, uint32_t count = 0) {
     const TableEntry entry = codes_[symbol];
     if (entry.length == 0) return StatusBadHuffmanTable;
     buffer_.put(uint64_t{entry.value} << count | bits, entry.length + count);
     buffer_.store();
     return StatusOk;
+  }
+  HWY_INLINE StatusCode putSymbolAndBits(uint32_t symbol, uint64_t bits, uint32_t count) {
+    constexpr uint32_t kMostAtOnce = 63 - 7 - 16;  // beside pending bits and a code
+    if (count <= kMostAtOnce) [[likely]]
+      return putSymbol(symbol, bits, count);
+    if (const StatusCode status = putSymbol(symbol)) return status;
+    return putBits(bits, count);
   }
   HWY_INLINE StatusCode putBits(uint64_t bits, uint32_t count) {
     if (count > 32) {
@@ -63,11 +70,14 @@ class SymbolBuffer {
 // The coefficients of a band in its first scan.
 class FirstScan {
  public:
-  HWY_INLINE FirstScan(const int16_t* block, SpectralBand band)
+  HWY_INLINE FirstScan(const int16_t* block, const SpectralBand& band)
       : coefficients_(block, band.shift),
         left_(coefficients_.nonZero() & band.mask()),
         next_(static_cast<uint32_t>(band.first)),
         end_(static_cast<uint32_t>(band.last) + 1) {}
+
+  // Nothing to code: the block just joins the run.
+  bool isEmpty() const { return left_ == 0; }
 
   template <class Symbols>
   HWY_INLINE StatusCode code(Symbols& symbols, EobRun& eobRun) {
@@ -106,8 +116,10 @@ class FirstScan {
 // The coefficients of a band in a refinement scan. Positions are bits as in RefinementMasks.
 class RefinementScan {
  public:
-  HWY_INLINE RefinementScan(const int16_t* block, SpectralBand band)
+  HWY_INLINE RefinementScan(const int16_t* block, const SpectralBand& band)
       : masks_(refinementMasks(block, band.shift)), left_(band.reversedMask()) {}
+
+  bool isEmpty() const { return (masks_.nonZero & left_) == 0; }
 
   template <class Symbols>
   HWY_INLINE StatusCode code(Symbols& symbols, EobRun& eobRun) {
@@ -142,20 +154,15 @@ class RefinementScan {
     auto run = static_cast<uint32_t>(std::popcount(zeros));
     for (; run > 15; run -= 16) {
       const uint64_t last = bitAfter(zeros, 15);
-      if (const StatusCode status = symbols.putSymbol(kZeroRun16)) return status;
-      if (const StatusCode status = putCorrections(symbols, before & bitsAbove(last))) return status;
+      const Corrections passed = correctionsAt(before & bitsAbove(last));
+      if (const StatusCode status = symbols.putSymbolAndBits(kZeroRun16, passed.bits, passed.count)) return status;
       before &= last - 1;
       zeros &= last - 1;
     }
-    const uint32_t sign = (masks_.positive & place) != 0;
-    if (const StatusCode status = symbols.putSymbol(run << 4 | 1, sign, 1)) return status;
+    const uint64_t sign = (masks_.positive & place) != 0;
     left_ &= place - 1;
-    return putCorrections(symbols, before);
-  }
-  template <class Symbols>
-  HWY_INLINE StatusCode putCorrections(Symbols& symbols, uint64_t places) const {
-    const Corrections corrections = correctionsAt(places);
-    return symbols.putBits(corrections.bits, corrections.count);
+    const Corrections passed = correctionsAt(before);
+    return symbols.putSymbolAndBits(run << 4 | 1, sign << passed.count | passed.bits, 1 + passed.count);
   }
 
   const RefinementMasks masks_;
@@ -163,8 +170,8 @@ class RefinementScan {
 };
 
 template <class Scan>
-HWY_NOINLINE StatusCode encodeStepByStep(const int16_t* block, SpectralBand band, const HuffmanEncodeSpec& spec,
-                                         Destination dst, HuffmanEncodeState& state) {
+HWY_NOINLINE StatusCode encodeStepByStep(const int16_t* block, const SpectralBand& band, const HuffmanEncodeSpec& spec,
+                                         const Destination& dst, HuffmanEncodeState& state) {
   SymbolWriter writer(dst, spec, state);
   EobRun eobRun(state);
   const StatusCode status = Scan(block, band).code(writer, eobRun);
@@ -173,30 +180,34 @@ HWY_NOINLINE StatusCode encodeStepByStep(const int16_t* block, SpectralBand band
 }
 
 template <class Scan>
-StatusCode encode(const int16_t* block, SpectralBand band, const HuffmanEncodeSpec& spec, Destination dst,
+StatusCode encode(const int16_t* block, const SpectralBand& band, const HuffmanEncodeSpec& spec, const Destination& dst,
                   HuffmanEncodeState& state) {
+  Scan scan(block, band);
+  if (scan.isEmpty() && EobRun::grows(state)) return StatusOk;
   BitBufferMemory memory;
   BitBuffer buffer(memory, pendingBits(state), state.bitCount);
   SymbolBuffer symbols(buffer, spec);
   EobRun eobRun(state);
-  if (Scan(block, band).code(symbols, eobRun) != StatusOk || !commit(buffer, dst, state)) [[unlikely]] {
+  if (scan.code(symbols, eobRun) != StatusOk || !commit(buffer, dst, state)) [[unlikely]] {
     return encodeStepByStep<Scan>(block, band, spec, dst, state);
   }
   eobRun.commit(state);
   return StatusOk;
 }
 
-StatusCode flush(const HuffmanEncodeSpec& spec, Destination dst, HuffmanEncodeState& state) {
+StatusCode flush(const HuffmanEncodeSpec& spec, const Destination& dst, HuffmanEncodeState& state) {
   SymbolWriter writer(dst, spec, state);
   if (const StatusCode status = EobRun(state).put(writer)) return status;
   return BitWriter(dst, state).flush();
 }
 
 template <class Scan>
-StatusCode count(const int16_t* block, SpectralBand band, uint32_t* counters, HuffmanEncodeState& state) {
+StatusCode count(const int16_t* block, const SpectralBand& band, uint32_t* counters, HuffmanEncodeState& state) {
+  Scan scan(block, band);
+  if (scan.isEmpty() && EobRun::grows(state)) return StatusOk;
   SymbolCounter counter(counters);
   EobRun eobRun(state);
-  const StatusCode status = Scan(block, band).code(counter, eobRun);
+  const StatusCode status = scan.code(counter, eobRun);
   eobRun.commit(state);
   return status;
 }
@@ -206,8 +217,9 @@ StatusCode countRun(uint32_t* counters, HuffmanEncodeState& state) {
   return EobRun(state).put(counter);
 }
 
-StatusCode countAc(const int16_t* block, uint32_t* counters) {
-  constexpr uint32_t kLargestCategory = 14;
+constexpr uint32_t kLargestCategory = 14;
+
+HWY_INLINE StatusCode countCoefficients(const int16_t* block, uint32_t* counters) {
   const ZigzagCoefficients<PointTransform::kNone> coefficients(block);
   uint32_t next = 1;
   for (uint64_t left = coefficients.nonZero() & ~uint64_t{1}; left != 0; left &= left - 1) {
@@ -222,6 +234,22 @@ StatusCode countAc(const int16_t* block, uint32_t* counters) {
   counters[kEndOfBlock] += next < kBlockSize;
   return StatusOk;
 }
+
+#if ZORJ_SIMD && HWY_TARGET == HWY_AVX3
+StatusCode countAc(const int16_t* block, uint32_t* counters) {
+  const ZigzagSymbols symbols(block);
+  if (!symbols.isUsual()) [[unlikely]]
+    return countCoefficients(block, counters);
+  for (uint32_t i = 0; i < symbols.count(); i += ZigzagSymbols::kGroup) {
+    HWY_UNROLL(8)
+    for (uint32_t k = i; k < i + ZigzagSymbols::kGroup; ++k) counters[symbols[k]] += k < symbols.count();
+  }
+  counters[kEndOfBlock] += symbols.endsEarly();
+  return StatusOk;
+}
+#else
+StatusCode countAc(const int16_t* block, uint32_t* counters) { return countCoefficients(block, counters); }
+#endif
 
 constexpr ProgressiveEncodeKernels kernels = {&encode<FirstScan>,
                                               &encode<RefinementScan>,

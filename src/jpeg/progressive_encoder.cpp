@@ -9,10 +9,10 @@ namespace {
 
 constexpr uint32_t kLargestDcCategory = 11;
 
-using AcEncoder = StatusCode (*)(const int16_t*, SpectralBand, const HuffmanEncodeSpec&, Destination,
+using AcEncoder = StatusCode (*)(const int16_t*, const SpectralBand&, const HuffmanEncodeSpec&, const Destination&,
                                  HuffmanEncodeState&);
 
-StatusCode encodeAc(const int16_t* block, uint8_t* dst, int32_t length, int32_t* position, SpectralBand band,
+StatusCode encodeAc(const int16_t* block, uint8_t* dst, int32_t length, int32_t* position, const SpectralBand& band,
                     const HuffmanEncodeSpec* spec, HuffmanEncodeState* state, int32_t flush, AcEncoder encode) {
   if (anyNull(dst)) return StatusNullPointer;
   if (length < 1) return StatusBadSize;

@@ -5,7 +5,7 @@
 
 namespace zorj {
 
-// Symbols have extra bits behind them; correction bits follow on their own.
+// Symbols may have the extra bits of their category behind them, or up to 64 single bits, which also come alone.
 
 // To the destination, step by step.
 class SymbolWriter {
@@ -16,6 +16,10 @@ class SymbolWriter {
   StatusCode putSymbol(uint32_t symbol, uint32_t bits = 0, uint32_t count = 0) {
     if (const StatusCode status = writer_.putCode(codes_[symbol])) return status;
     return count == 0 ? StatusOk : writer_.put(bits, count);
+  }
+  StatusCode putSymbolAndBits(uint32_t symbol, uint64_t bits, uint32_t count) {
+    if (const StatusCode status = writer_.putCode(codes_[symbol])) return status;
+    return putBits(bits, count);
   }
   StatusCode putBits(uint64_t bits, uint32_t count) {
     while (count > 0) {
@@ -38,6 +42,7 @@ class SymbolCounter {
     ++counters_[symbol];
     return StatusOk;
   }
+  StatusCode putSymbolAndBits(uint32_t symbol, uint64_t, uint32_t) { return putSymbol(symbol); }
   StatusCode putBits(uint64_t, uint32_t) { return StatusOk; }
 
  private:

@@ -1,0 +1,31 @@
+// Codes the coefficients of a whole image, scan by scan.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "jpeg/codec.h"
+#include "jpeg/coefficients.h"
+#include "jpeg/scan_encoder.h"
+
+namespace examples::jpeg {
+
+class CoefficientEncoder {
+ public:
+  // The image's coefficients may follow, row by row.
+  CoefficientEncoder(CoefficientImage& image, const EncodeOptions& options);
+
+  // Counts the symbols of a row of MCUs for all scans. Takes all rows in turn, best while they are in the caches.
+  void count(int32_t mcuRow);
+
+  // Makes the file of what was counted.
+  void write(std::vector<uint8_t>& jpeg);
+
+ private:
+  CoefficientImage& image_;
+  int32_t restartInterval_;
+  std::vector<Scan> scans_;
+  std::vector<ScanCounter> counters_;  // of each scan; none where the usual tables do
+};
+
+}  // namespace examples::jpeg
