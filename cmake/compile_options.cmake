@@ -8,10 +8,6 @@ if(ZORJ_SANITIZE)
   target_link_options(zorj_options INTERFACE -fsanitize=${ZORJ_SANITIZE})
 endif()
 
-if(ZORJ_COVERAGE)
-  target_link_options(zorj_options INTERFACE -fprofile-instr-generate)
-endif()
-
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # x87 arithmetic would give other floats; callers may bring a stack aligned to 4 bytes only.
   target_compile_options(zorj_options INTERFACE -msse2 -mfpmath=sse -mstackrealign)
@@ -28,9 +24,9 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   target_compile_definitions(zorj_library_options INTERFACE "HWY_BROKEN_TARGETS=(HWY_AVX3|HWY_AVX3_DL)")
 endif()
 
-
 if(ZORJ_COVERAGE)
   target_compile_options(zorj_library_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+  target_link_options(zorj_options INTERFACE -fprofile-instr-generate)
 endif()
 
 # The same bytes wherever the source lies: no path of this machine in the libraries or their debug information.

@@ -10,7 +10,7 @@
 #include "hostile/scene.h"
 #include "support/isa_levels.h"
 #ifdef ZORJ_EXAMPLES
-#include "hostile/codec_work.h"
+#include "codecs/codec_work.h"
 #endif
 
 namespace zorj::test {

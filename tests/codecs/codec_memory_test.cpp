@@ -8,7 +8,7 @@
 #include <new>
 
 #include "common/command_line.h"
-#include "hostile/codec_work.h"
+#include "codecs/codec_work.h"
 
 namespace {
 

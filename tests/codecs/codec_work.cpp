@@ -1,4 +1,4 @@
-#include "hostile/codec_work.h"
+#include "codecs/codec_work.h"
 
 #include <cstdio>
 #include <cstring>
