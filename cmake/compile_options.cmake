@@ -8,6 +8,10 @@ if(ZORJ_SANITIZE)
   target_link_options(zorj_options INTERFACE -fsanitize=${ZORJ_SANITIZE})
 endif()
 
+if(ZORJ_COVERAGE)
+  target_link_options(zorj_options INTERFACE -fprofile-instr-generate) # what is compiled so is linked everywhere
+endif()
+
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   # x87 arithmetic would give other floats; callers may bring a stack aligned to 4 bytes only.
   target_compile_options(zorj_options INTERFACE -msse2 -mfpmath=sse -mstackrealign)
@@ -26,7 +30,6 @@ endif()
 
 if(ZORJ_COVERAGE)
   target_compile_options(zorj_library_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
-  target_link_options(zorj_options INTERFACE -fprofile-instr-generate)
 endif()
 
 # The same bytes wherever the source lies: no path of this machine in the libraries or their debug information.

@@ -115,7 +115,11 @@ def changed(lines, first, change):
 def without_effect():
     """Pairs of a path and what is changed there."""
     entries = WITHOUT_EFFECT.read_text().split("\n\n")[1:]
-    return {tuple(entry.strip().split("\n")[:2]) for entry in entries}
+    pairs = {tuple(entry.strip().split("\n")[:2]) for entry in entries}
+    for path, change in pairs:
+        if change.split(" -> ")[0].split(" / ")[0] not in (ROOT / path).read_text():
+            sys.exit(f"{WITHOUT_EFFECT.name}: {path} has no such line: {change}")
+    return pairs
 
 
 def run(command, **options):

@@ -1,6 +1,5 @@
 #include "jpeg/coefficient_encoder.h"
 
-#include <algorithm>
 #include <optional>
 
 #include "jpeg/headers.h"

@@ -12,13 +12,13 @@ namespace examples::jpeg {
 
 class CoefficientEncoder {
  public:
-  // The image's coefficients may follow, row by row.
+  // Keeps `image`, whose coefficients may be filled in later, and sets its process.
   CoefficientEncoder(CoefficientImage& image, const EncodeOptions& options);
 
-  // Counts the symbols of a row of MCUs for all scans. Takes all rows in turn, best while they are in the caches.
+  // Counts the symbols of a row of MCUs for all scans: each row once, in order, best while it lies in the caches.
   void count(int32_t mcuRow);
 
-  // Makes the file of what was counted.
+  // Makes the file; once, when all rows are counted.
   void write(std::vector<uint8_t>& jpeg);
 
  private:

@@ -68,8 +68,8 @@ struct McuBlock {
   int16_t* ofMcu(int32_t mcu) const { return first[mcu * advance].values; }
 };
 
-// Scans of several components go through as many places in memory, which the processor does not foresee well: these
-// bring a block further on in the row to the caches, a DC scan what it takes of it.
+// Interleaved scans read several streams, which processors foresee badly: these bring a block further on in the row to
+// the caches, all of it or what a DC scan reads. The baseline encoder has its few blocks there, and loses nothing.
 constexpr ptrdiff_t kBlocksAhead = 16;
 inline void prefetchDc(const int16_t* block) { __builtin_prefetch(block + 64 * kBlocksAhead); }
 inline void prefetchBlock(const int16_t* block) {

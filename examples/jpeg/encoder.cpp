@@ -132,11 +132,12 @@ void encodeBaseline(const Image& image, const EncodeOptions& options, std::vecto
   MarkerWriter(jpeg).marker(marker::EOI);
 }
 
+// The values of the coefficients are to be filled in.
 template <class AnyImage>
-CoefficientImage coefficientsFor(const AnyImage& image, const EncodeOptions& options, FirstValues values) {
+CoefficientImage coefficientsFor(const AnyImage& image, const EncodeOptions& options) {
   CoefficientImage result;
   result.frame = frameFor(image, options);
-  result.mcus = McuArray(result.frame, result.frame.mcusWide(), result.frame.mcusHigh(), values);
+  result.mcus = McuArray(result.frame, result.frame.mcusWide(), result.frame.mcusHigh(), FirstValues::any);
   result.quantTables = stepsOf(result.frame, quantTables(options.quality));
   return result;
 }
@@ -155,14 +156,14 @@ void transformRows(const Image& image, const EncodeOptions& options, Coefficient
 }  // namespace
 
 CoefficientImage transform(const Image& image, const EncodeOptions& options) {
-  CoefficientImage result = coefficientsFor(image, options, FirstValues::any);
+  CoefficientImage result = coefficientsFor(image, options);
   transformRows(image, options, result, [](int32_t) {});
   return result;
 }
 
 CoefficientImage transform(const DeepImage& image, const EncodeOptions& options) {
   if (options.precision == 8) return transform(withPrecision<uint8_t>(image, 8), options);
-  CoefficientImage result = coefficientsFor(image, options, FirstValues::zero);
+  CoefficientImage result = coefficientsFor(image, options);
   transformDeep(withPrecision<uint16_t>(image, options.precision), result);
   return result;
 }
@@ -174,7 +175,7 @@ void encode(const Image& image, const EncodeOptions& options, std::vector<uint8_
     return encode(withPrecision<uint16_t>(image, 8), options, jpeg);
   }
   if (!options.optimize && !options.progressive) return encodeBaseline(image, options, jpeg);
-  CoefficientImage coefficients = coefficientsFor(image, options, FirstValues::any);
+  CoefficientImage coefficients = coefficientsFor(image, options);
   CoefficientEncoder encoder(coefficients, options);
   transformRows(image, options, coefficients, [&](int32_t row) { encoder.count(row); });
   encoder.write(jpeg);

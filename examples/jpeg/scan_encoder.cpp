@@ -50,7 +50,8 @@ void ScanEncoder::makeRoom(size_t bytes) {
   length_ = static_cast<int32_t>(std::min<size_t>(file_.size(), std::numeric_limits<int32_t>::max()));
 }
 
-// Calls run(code): code(block, component, flush) codes a block, or ends what was coded.
+// Calls run(code): code(block, component, flush) codes a block, or ends what was coded. In between no room may be made,
+// which moves the file's bytes.
 template <class Run>
 StatusCode ScanEncoder::withCoder(const Run& run) {
   uint8_t* const bytes = file_.data();

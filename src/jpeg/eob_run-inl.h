@@ -7,9 +7,9 @@ class EobRun {
   explicit EobRun(const HuffmanEncodeState& state)
       : blocks_(state.eobRun), held_(state.correctionBits), heldCount_(state.correctionCount) {}
 
-  // One more block with nothing to code; false if that has to be written.
-  static HWY_INLINE bool grows(HuffmanEncodeState& state) {
-    if (state.eobRun >= kMaxBlocks - 1) return false;
+  // Adds a block with nothing to code to the state's run. False, and nothing added, if the run is to be written first.
+  static HWY_INLINE bool joinEmpty(HuffmanEncodeState& state) {
+    if (state.eobRun >= kMaxBlocks - 1 || state.correctionCount > kMaxCorrections) return false;
     ++state.eobRun;
     return true;
   }
@@ -20,18 +20,22 @@ class EobRun {
     if (blocks_ == 0) return StatusOk;
     if (const StatusCode status = putBlocks(symbols)) return status;
     if (const StatusCode status = putHeldBits(symbols)) return status;
-    if (const StatusCode status = symbols.putBits(ownBits_, ownCount_)) return status;
+    if (const StatusCode status = symbols.putCorrections(ownBits_, ownCount_)) return status;
     blocks_ = heldCount_ = ownCount_ = 0;
     return StatusOk;
   }
 
-  // A block with nothing left to code but these correction bits joins the run. A run that cannot grow is written.
+  // A block with nothing left to code but these correction bits joins the run. A run that cannot grow is written; where
+  // that failed before, no block joins until it is done.
   template <class Symbols>
   HWY_INLINE StatusCode join(Symbols& symbols, uint64_t bits = 0, uint32_t count = 0) {
+    if (isFull()) [[unlikely]] {
+      if (const StatusCode status = put(symbols)) return status;
+    }
     ++blocks_;
     ownBits_ = bits;
     ownCount_ = count;
-    return blocks_ == kMaxBlocks || heldCount_ + ownCount_ > kMaxCorrections ? put(symbols) : StatusOk;
+    return isFull() ? put(symbols) : StatusOk;
   }
 
   HWY_INLINE void commit(HuffmanEncodeState& state) const {
@@ -45,6 +49,8 @@ class EobRun {
   static constexpr uint32_t kMaxBlocks = 32767;
   static constexpr uint32_t kMaxCorrections = 937;  // so that those of one more block find room among 1000
   static constexpr uint32_t kMaxCategory = 14;      // of the run's length
+
+  HWY_INLINE bool isFull() const { return blocks_ >= kMaxBlocks || heldCount_ + ownCount_ > kMaxCorrections; }
 
   template <class Symbols>
   HWY_INLINE StatusCode putBlocks(Symbols& symbols) {
@@ -64,7 +70,7 @@ class EobRun {
     for (uint32_t done = 0; done < heldCount_; done += 32) {
       const uint32_t count = heldCount_ - done < 32 ? heldCount_ - done : 32;
       const uint64_t bits = loadBigEndian64(held_ + done / 8) >> (64 - count);
-      if (const StatusCode status = symbols.putBits(bits, count)) return status;
+      if (const StatusCode status = symbols.putCorrections(bits, count)) return status;
     }
     return StatusOk;
   }

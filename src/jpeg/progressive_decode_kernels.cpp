@@ -69,6 +69,18 @@ StatusCode decodeAcFirst(const uint8_t* bytes, int32_t length, int32_t& position
   return status;
 }
 
+#if ZORJ_SIMD && HWY_TARGET == HWY_AVX3
+// The flags of a block, zig-zag position k in bit 63 - k, in natural order from bit 0.
+HWY_INLINE uint64_t naturalOrder(uint64_t reversed) {
+  alignas(64) static constexpr std::array<uint8_t, kBlockSize> kFrom = [] {
+    std::array<uint8_t, kBlockSize> from{};
+    for (size_t k = 0; k < kBlockSize; ++k) from[kNaturalOrder[k]] = static_cast<uint8_t>(kBlockSize - 1 - k);
+    return from;
+  }();
+  return _mm512_movepi8_mask(_mm512_permutexvar_epi8(_mm512_load_si512(kFrom.data()), _mm512_movm_epi8(reversed)));
+}
+#endif
+
 // Refines the band of a block. Zig-zag position k is bit 63 - k of a mask: correction bits come in that order.
 class BandRefiner {
  public:
@@ -144,7 +156,8 @@ class BandRefiner {
       const __m512i magnitude = _mm512_or_si512(_mm512_abs_epi16(before), ones);
       __m512i values = _mm512_mask_sub_epi16(before, of(set), _mm512_xor_si512(magnitude, sign), sign);
       values = _mm512_mask_sub_epi16(values, of(added), _mm512_setzero_si512(), ones);
-      _mm512_storeu_si512(block_ + 32 * half, _mm512_mask_mov_epi16(values, of(positive), ones));
+      values = _mm512_mask_mov_epi16(values, of(positive), ones);
+      _mm512_mask_storeu_epi16(block_ + 32 * half, of(set | added), values);
     }
 #else
     for (uint64_t left = set_ | new_; left != 0;) {

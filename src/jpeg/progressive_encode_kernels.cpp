@@ -41,14 +41,14 @@ class SymbolBuffer {
     buffer_.store();
     return StatusOk;
   }
-  HWY_INLINE StatusCode putSymbolAndBits(uint32_t symbol, uint64_t bits, uint32_t count) {
+  HWY_INLINE StatusCode putSymbolAndCorrections(uint32_t symbol, uint64_t bits, uint32_t count) {
     constexpr uint32_t kMostAtOnce = 63 - 7 - 16;  // beside pending bits and a code
     if (count <= kMostAtOnce) [[likely]]
       return putSymbol(symbol, bits, count);
     if (const StatusCode status = putSymbol(symbol)) return status;
-    return putBits(bits, count);
+    return putCorrections(bits, count);
   }
-  HWY_INLINE StatusCode putBits(uint64_t bits, uint32_t count) {
+  HWY_INLINE StatusCode putCorrections(uint64_t bits, uint32_t count) {
     if (count > 32) {
       buffer_.put(bits >> 32, count - 32);
       buffer_.store();
@@ -155,14 +155,15 @@ class RefinementScan {
     for (; run > 15; run -= 16) {
       const uint64_t last = bitAfter(zeros, 15);
       const Corrections passed = correctionsAt(before & bitsAbove(last));
-      if (const StatusCode status = symbols.putSymbolAndBits(kZeroRun16, passed.bits, passed.count)) return status;
+      if (const StatusCode status = symbols.putSymbolAndCorrections(kZeroRun16, passed.bits, passed.count))
+        return status;
       before &= last - 1;
       zeros &= last - 1;
     }
     const uint64_t sign = (masks_.positive & place) != 0;
     left_ &= place - 1;
     const Corrections passed = correctionsAt(before);
-    return symbols.putSymbolAndBits(run << 4 | 1, sign << passed.count | passed.bits, 1 + passed.count);
+    return symbols.putSymbolAndCorrections(run << 4 | 1, sign << passed.count | passed.bits, 1 + passed.count);
   }
 
   const RefinementMasks masks_;
@@ -183,7 +184,7 @@ template <class Scan>
 StatusCode encode(const int16_t* block, const SpectralBand& band, const HuffmanEncodeSpec& spec, const Destination& dst,
                   HuffmanEncodeState& state) {
   Scan scan(block, band);
-  if (scan.isEmpty() && EobRun::grows(state)) return StatusOk;
+  if (scan.isEmpty() && EobRun::joinEmpty(state)) return StatusOk;
   BitBufferMemory memory;
   BitBuffer buffer(memory, pendingBits(state), state.bitCount);
   SymbolBuffer symbols(buffer, spec);
@@ -204,7 +205,7 @@ StatusCode flush(const HuffmanEncodeSpec& spec, const Destination& dst, HuffmanE
 template <class Scan>
 StatusCode count(const int16_t* block, const SpectralBand& band, uint32_t* counters, HuffmanEncodeState& state) {
   Scan scan(block, band);
-  if (scan.isEmpty() && EobRun::grows(state)) return StatusOk;
+  if (scan.isEmpty() && EobRun::joinEmpty(state)) return StatusOk;
   SymbolCounter counter(counters);
   EobRun eobRun(state);
   const StatusCode status = scan.code(counter, eobRun);
@@ -217,8 +218,6 @@ StatusCode countRun(uint32_t* counters, HuffmanEncodeState& state) {
   return EobRun(state).put(counter);
 }
 
-constexpr uint32_t kLargestCategory = 14;
-
 HWY_INLINE StatusCode countCoefficients(const int16_t* block, uint32_t* counters) {
   const ZigzagCoefficients<PointTransform::kNone> coefficients(block);
   uint32_t next = 1;
@@ -228,7 +227,7 @@ HWY_INLINE StatusCode countCoefficients(const int16_t* block, uint32_t* counters
     next = position + 1;
     counters[kZeroRun16] += run / 16;
     const uint32_t category = coefficients.at(position).category;
-    if (category > kLargestCategory) return StatusHuffmanDataError;
+    if (category > kLargestSequentialCategory) return StatusHuffmanDataError;
     ++counters[run % 16 << 4 | category];
   }
   counters[kEndOfBlock] += next < kBlockSize;
@@ -241,7 +240,7 @@ StatusCode countAc(const int16_t* block, uint32_t* counters) {
   if (!symbols.isUsual()) [[unlikely]]
     return countCoefficients(block, counters);
   for (uint32_t i = 0; i < symbols.count(); i += ZigzagSymbols::kGroup) {
-    HWY_UNROLL(8)
+    HWY_UNROLL(8)  // the group
     for (uint32_t k = i; k < i + ZigzagSymbols::kGroup; ++k) counters[symbols[k]] += k < symbols.count();
   }
   counters[kEndOfBlock] += symbols.endsEarly();

@@ -5,7 +5,8 @@
 
 namespace zorj {
 
-// Symbols may have the extra bits of their category behind them, or up to 64 single bits, which also come alone.
+// A symbol has the extra bits of its category behind it, up to 16, or the correction bits of coefficients that it
+// passes: up to 63 and a sign bit. Correction bits also come alone, up to 64.
 
 // To the destination, step by step.
 class SymbolWriter {
@@ -17,11 +18,11 @@ class SymbolWriter {
     if (const StatusCode status = writer_.putCode(codes_[symbol])) return status;
     return count == 0 ? StatusOk : writer_.put(bits, count);
   }
-  StatusCode putSymbolAndBits(uint32_t symbol, uint64_t bits, uint32_t count) {
+  StatusCode putSymbolAndCorrections(uint32_t symbol, uint64_t bits, uint32_t count) {
     if (const StatusCode status = writer_.putCode(codes_[symbol])) return status;
-    return putBits(bits, count);
+    return putCorrections(bits, count);
   }
-  StatusCode putBits(uint64_t bits, uint32_t count) {
+  StatusCode putCorrections(uint64_t bits, uint32_t count) {
     while (count > 0) {
       if (const StatusCode status = writer_.put(static_cast<uint32_t>(bits >> --count & 1), 1)) return status;
     }
@@ -42,8 +43,8 @@ class SymbolCounter {
     ++counters_[symbol];
     return StatusOk;
   }
-  StatusCode putSymbolAndBits(uint32_t symbol, uint64_t, uint32_t) { return putSymbol(symbol); }
-  StatusCode putBits(uint64_t, uint32_t) { return StatusOk; }
+  StatusCode putSymbolAndCorrections(uint32_t symbol, uint64_t, uint32_t) { return putSymbol(symbol); }
+  StatusCode putCorrections(uint64_t, uint32_t) { return StatusOk; }
 
  private:
   uint32_t* counters_;

@@ -1,33 +1,38 @@
 // The coefficients of a block as the coders of blocks take them: which ones are not zero, and the category and extra
 // bits of these. Included by kernel files after zigzag_masks-inl.h, once per target, inside the target's namespace.
 
+// Of AC coefficients in sequential coding, with a value to spare (T.81 F.1.2.2.1).
+constexpr uint32_t kLargestSequentialCategory = 14;
+
 #if ZORJ_SIMD && HWY_TARGET == HWY_AVX3
-// Where the coefficients of zig-zag order lie.
-alignas(64) constexpr std::array<uint16_t, kBlockSize> kZigzagWords = [] {
-  std::array<uint16_t, kBlockSize> order{};
-  for (size_t k = 0; k < kBlockSize; ++k) order[k] = kNaturalOrder[k];
-  return order;
-}();
+// All the bits that a magnitude has.
+HWY_INLINE __m512i significantBits(__m512i magnitude) {
+  __m512i ones = magnitude;
+  ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 1));
+  ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 2));
+  ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 4));
+  return _mm512_or_si512(ones, _mm512_srli_epi16(ones, 8));
+}
 
 template <PointTransform kTransform>
 class ZigzagCoefficients {
  public:
   HWY_INLINE explicit ZigzagCoefficients(const int16_t* block, int32_t shift = 0) {
+    alignas(64) static constexpr std::array<uint16_t, kBlockSize> kOrder = [] {
+      std::array<uint16_t, kBlockSize> order{};
+      for (size_t k = 0; k < kBlockSize; ++k) order[k] = kNaturalOrder[k];
+      return order;
+    }();
     const __m512i low = _mm512_loadu_si512(block), high = _mm512_loadu_si512(block + 32);
     nonZero_ = 0;
     for (size_t k = 0; k < kBlockSize; k += 32) {
-      const __m512i values = _mm512_permutex2var_epi16(low, _mm512_load_si512(&kZigzagWords[k]), high);
+      const __m512i values = _mm512_permutex2var_epi16(low, _mm512_load_si512(&kOrder[k]), high);
       __m512i magnitude = _mm512_abs_epi16(values);
       if constexpr (kTransform == PointTransform::kShift) {
         magnitude = _mm512_srl_epi16(magnitude, _mm_cvtsi32_si128(shift));
       }
       nonZero_ |= uint64_t{_mm512_test_epi16_mask(magnitude, magnitude)} << k;
-      // All the bits that the magnitude has.
-      __m512i ones = magnitude;
-      ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 1));
-      ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 2));
-      ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 4));
-      ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 8));
+      const __m512i ones = significantBits(magnitude);
       _mm512_store_si512(&categories_[k], _mm512_popcnt_epi16(ones));
       const __m512i complement = _mm512_xor_si512(magnitude, _mm512_srai_epi16(values, 15));
       _mm512_store_si512(&bits_[k], _mm512_and_si512(complement, ones));
@@ -105,29 +110,23 @@ class ZigzagSymbols {
     const __m512i placesBefore = _mm512_maskz_permutexvar_epi8(~uint64_t{1}, _mm512_sub_epi8(all, ones), places);
     const __m512i runs = _mm512_sub_epi8(_mm512_sub_epi8(places, placesBefore), ones);
     isUsual_ = (_mm512_mask_cmpgt_epu8_mask(filled, runs, _mm512_set1_epi8(15)) |
-                _mm512_mask_cmpgt_epu8_mask(nonZero, categories, _mm512_set1_epi8(kLargestCategory))) == 0;
+                _mm512_mask_cmpgt_epu8_mask(nonZero, categories, _mm512_set1_epi8(kLargestSequentialCategory))) == 0;
     const __m512i symbols =
         _mm512_or_si512(_mm512_slli_epi16(runs, 4), _mm512_maskz_compress_epi8(nonZero, categories));
-    const __m512i none = _mm512_or_si512(_mm512_slli_epi16(all, 4), _mm512_set1_epi8(kLargestCategory + 1));
+    const __m512i none = _mm512_or_si512(_mm512_slli_epi16(all, 4), _mm512_set1_epi8(kLargestSequentialCategory + 1));
     _mm512_store_si512(symbols_, _mm512_mask_mov_epi8(none, filled, symbols));
   }
 
-  // Whether this is all there is to say: no run above 15, no category above kLargestCategory.
+  // Whether this is all there is to say: no run above 15, no category above kLargestSequentialCategory.
   bool isUsual() const { return isUsual_; }
   uint32_t count() const { return count_; }
   uint32_t operator[](uint32_t i) const { return symbols_[i]; }
   bool endsEarly() const { return endsEarly_; }
 
  private:
-  static constexpr int8_t kLargestCategory = 14;
-
   static HWY_INLINE __m256i categoriesOf(const int16_t* rows) {
-    __m512i ones = _mm512_abs_epi16(_mm512_loadu_si512(rows));  // all the bits that the magnitude has
-    ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 1));
-    ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 2));
-    ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 4));
-    ones = _mm512_or_si512(ones, _mm512_srli_epi16(ones, 8));
-    return _mm512_cvtepi16_epi8(_mm512_popcnt_epi16(ones));
+    const __m512i magnitudes = _mm512_abs_epi16(_mm512_loadu_si512(rows));
+    return _mm512_cvtepi16_epi8(_mm512_popcnt_epi16(significantBits(magnitudes)));
   }
 
   alignas(64) uint8_t symbols_[kBlockSize];

@@ -57,16 +57,6 @@ alignas(64) constexpr std::array<uint8_t, kBlockSize> kZigzagBytes = [] {
   for (size_t k = 0; k < kBlockSize; ++k) bytes[k] = kNaturalOrder[kReversed ? kBlockSize - 1 - k : k];
   return bytes;
 }();
-
-// The flags of a block, zig-zag position k in bit 63 - k, in natural order from bit 0.
-HWY_INLINE uint64_t naturalOrder(uint64_t reversed) {
-  alignas(64) static constexpr std::array<uint8_t, kBlockSize> kFrom = [] {
-    std::array<uint8_t, kBlockSize> from{};
-    for (size_t k = 0; k < kBlockSize; ++k) from[kNaturalOrder[k]] = static_cast<uint8_t>(kBlockSize - 1 - k);
-    return from;
-  }();
-  return _mm512_movepi8_mask(_mm512_permutexvar_epi8(_mm512_load_si512(kFrom.data()), _mm512_movm_epi8(reversed)));
-}
 #endif
 
 // Which coefficients are not zero: bit k for zig-zag position k, reversed bit 63 - k.

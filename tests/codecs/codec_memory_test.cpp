@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <new>
 
-#include "common/command_line.h"
 #include "codecs/codec_work.h"
+#include "common/command_line.h"
 
 namespace {
 

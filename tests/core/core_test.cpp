@@ -106,12 +106,18 @@ TEST(Isa, IsTheBestThatTheProcessorHas) {
   for (size_t i = 0; i < levels.size(); ++i) EXPECT_EQ(levels[i], static_cast<Isa>(i));  // each includes those below
   // The compiler's own detection, of the features whose names it knows.
   EXPECT_EQ(levels.back() >= Isa::kSsse3, __builtin_cpu_supports("ssse3") != 0);
-  EXPECT_EQ(levels.back() >= Isa::kSse4, __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("popcnt"));
-  const bool hasAvx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
-                       __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma");
+  const bool hasSse4 = __builtin_cpu_supports("sse4.1") && __builtin_cpu_supports("sse4.2") &&
+                       __builtin_cpu_supports("popcnt") && __builtin_cpu_supports("pclmul") &&
+                       __builtin_cpu_supports("aes");
+  EXPECT_EQ(levels.back() >= Isa::kSse4, hasSse4);
+  const bool hasAvx2 = hasSse4 && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") &&
+                       __builtin_cpu_supports("bmi2") &&
+                       __builtin_cpu_supports("fma");  // and, without names, F16C, LZCNT
   EXPECT_EQ(levels.back() >= Isa::kAvx2, hasAvx2);
 #if defined(__x86_64__)
-  const bool hasAvx512 = __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl") &&
+  const bool hasAvx512 = hasAvx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512cd") &&
+                         __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512bw") &&
+                         __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vl") &&
                          __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("avx512vnni") &&
                          __builtin_cpu_supports("avx512bitalg") && __builtin_cpu_supports("avx512vpopcntdq");
   EXPECT_EQ(levels.back() >= Isa::kAvx512, hasAvx512);

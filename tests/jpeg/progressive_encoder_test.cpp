@@ -59,6 +59,25 @@ TEST(ProgressiveEncoder, LongRunsEqualModel) {
   }
 }
 
+// A full run that cannot be written is tried again before a block joins it, however often that fails.
+TEST(ProgressiveEncoder, RefusedRunsDoNotGrow) {
+  Random random(4);
+  std::vector<Block> blocks(32767 + 40);
+  std::vector<uint8_t> withoutRuns = firstSymbols(256);
+  std::erase_if(withoutRuns, [](uint8_t symbol) { return symbol % 16 == 0 && symbol != 0xF0; });
+  const Table whole(randomLists(random, firstSymbols(256))), lacking(randomLists(random, withoutRuns));
+  for (const Table* const table : {&whole, &lacking}) {
+    for (const ScanKind kind : {ScanKind::kAcFirst, ScanKind::kAcRefine}) {
+      const EncoderCalls calls = scanCalls(kind, blocks, {1, 63, 0}, *table, AfterFailure::kGoOn);
+      expectWritesEqualModel(scanName(kind, 0), {100, 1}, calls.subject, calls.model);
+    }
+    std::vector<Block> corrected(400);
+    for (size_t i = 0; i < corrected.size(); i += 1 + i % 3) corrected[i].fill(2);
+    const EncoderCalls calls = scanCalls(ScanKind::kAcRefine, corrected, {1, 63, 0}, *table, AfterFailure::kGoOn);
+    expectWritesEqualModel("corrections", {4000, 200, 20, 1}, calls.subject, calls.model);
+  }
+}
+
 TEST(ProgressiveEncoder, ArgumentOrder) {
   const HuffmanEncodeSpec spec = {};
   int16_t source[64] = {};

@@ -83,6 +83,9 @@ inline StatusCode codeAcFirst(SymbolSink sink, const int16_t* block, Band band, 
     zeros = 0;
   }
   if (zeros == 0) return StatusOk;
+  if (run.blocks == 32767) {
+    if (const StatusCode status = putRun(sink, run)) return status;
+  }
   return ++run.blocks == 32767 ? putRun(sink, run) : StatusOk;
 }
 
@@ -117,9 +120,13 @@ inline StatusCode codeAcRefine(SymbolSink sink, const int16_t* block, Band band,
     corrections.clear();
   }
   if (zeros == 0 && corrections.empty()) return StatusOk;
+  const auto isFull = [&run] { return run.blocks == 32767 || run.corrections.size() > 937; };
+  if (isFull()) {
+    if (const StatusCode status = putRun(sink, run)) return status;
+  }
   ++run.blocks;
   run.corrections.insert(run.corrections.end(), corrections.begin(), corrections.end());
-  return run.blocks == 32767 || run.corrections.size() > 937 ? putRun(sink, run) : StatusOk;
+  return isFull() ? putRun(sink, run) : StatusOk;
 }
 
 // Ends a scan.

@@ -52,9 +52,12 @@ struct ModelEncoder {
   int16_t lastDc = 0;
 };
 
-// `count` calls of subject(i, ...) and model(i, encoder), up to the first failure, and a flush.
+enum class AfterFailure { kEnd, kGoOn };
+
+// `count` calls of subject(i, ...) and model(i, encoder), up to the first failure or in spite of any, and a flush.
 template <class Subject, class Model>
-EncoderCalls statefulCalls(size_t count, const Subject& subject, const Model& model) {
+EncoderCalls statefulCalls(size_t count, const Subject& subject, const Model& model,
+                           AfterFailure afterFailure = AfterFailure::kEnd) {
   return {[=](uint8_t* destination, int32_t length) {
             Trace trace;
             HuffmanEncodeState state = freshState();
@@ -64,7 +67,7 @@ EncoderCalls statefulCalls(size_t count, const Subject& subject, const Model& mo
               const StatusCode status = subject(i, destination, length, &position, lastDc, &state);
               trace.push_back(lastDc);
               note(trace, status, position, state);
-              if (status != StatusOk) break;
+              if (status != StatusOk && afterFailure == AfterFailure::kEnd) break;
             }
             return trace;
           },
@@ -75,7 +78,7 @@ EncoderCalls statefulCalls(size_t count, const Subject& subject, const Model& mo
               const StatusCode status = model(i, encoder);
               trace.push_back(encoder.lastDc);
               note(trace, status, encoder.writer, encoder.run);
-              if (status != StatusOk) break;
+              if (status != StatusOk && afterFailure == AfterFailure::kEnd) break;
             }
             return trace;
           }};

@@ -7,7 +7,7 @@
 namespace zorj::test {
 
 inline EncoderCalls scanCalls(ScanKind kind, const std::vector<Block>& blocks, reference::Band band,
-                              const EncoderTable& table) {
+                              const EncoderTable& table, AfterFailure afterFailure = AfterFailure::kEnd) {
   return statefulCalls(
       blocks.size(),
       [=, &blocks, &table](size_t i, uint8_t* dst, int32_t length, int32_t* position, int16_t& lastDc,
@@ -31,7 +31,8 @@ inline EncoderCalls scanCalls(ScanKind kind, const std::vector<Block>& blocks, r
       [=, &blocks, &table](size_t i, ModelEncoder& encoder) {
         if (i == blocks.size()) return reference::flushScan(encoder.writer, table.model, encoder.run);
         return putModelScan(kind, encoder.writer, table.model, blocks[i].data(), band, encoder.lastDc, encoder.run);
-      });
+      },
+      afterFailure);
 }
 
 }  // namespace zorj::test
