@@ -106,6 +106,9 @@ void fuzz(Input& input) {
   if (optimised && !optimisedLists(scan, lists)) return;
   const test::EncoderTable table(lists);
   const Written written = expectSameWithAndWithoutRoom(test::scanCalls(kind, scan.blocks, scan.band, table), lacking);
+  // A caller that does not heed failures breaks the stream, nothing else.
+  const test::EncoderCalls heedless = test::scanCalls(kind, scan.blocks, scan.band, table, test::AfterFailure::kGoOn);
+  expectSameWrites(1 + lacking, heedless.subject, heedless.model);
   const bool extreme = std::any_of(scan.blocks.begin(), scan.blocks.end(), [](const Block& block) {
     return std::find(block.begin(), block.end(), -32768) != block.end();
   });
