@@ -87,7 +87,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriEncodeHuffman8x8_DCRefine_JPEG_16s1u_C1(const 
                                                                           int32_t flush);
 /**
  * Encodes a band of a block in its first scan (T.81 G.1.2.2). A block with nothing left to code joins the run, which is
- * written before the next coefficient, when it reaches 32767 blocks, and by the flush.
+ * written before the next coefficient, when it reaches 32767 blocks, and by the flush. Where a run of that length could
+ * not be written, no block joins it until it is: each call tries that first, and returns the failure.
  *
  * @param pSrc The block.
  * @param pDst The destination.
@@ -112,7 +113,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriEncodeHuffman8x8_ACFirst_JPEG_16s1u_C1(const i
 /**
  * Encodes a further bit of a band of a block (T.81 G.1.2.3): the sign of each coefficient that is not zero for the
  * first time, a correction bit of each of the others that are not zero. The correction bits of the blocks of a run are
- * held back until it is written, which also happens as soon as they are more than 937.
+ * held back until it is written, which also happens as soon as they are more than 937; where that fails, no block joins
+ * either.
  *
  * @param pSrc The block.
  * @param pDst The destination.
