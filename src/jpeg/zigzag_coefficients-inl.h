@@ -2,7 +2,7 @@
 // bits of these. Included by kernel files after zigzag_masks-inl.h, once per target, inside the target's namespace.
 
 // Of AC coefficients in sequential coding, with a value to spare (T.81 F.1.2.2.1).
-constexpr uint32_t kLargestSequentialCategory = 14;
+inline constexpr uint32_t kLargestSequentialCategory = 14;
 
 #if ZORJ_SIMD && HWY_TARGET == HWY_AVX3
 // All the bits that a magnitude has.
