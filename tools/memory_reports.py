@@ -1,42 +1,75 @@
 #!/usr/bin/env python3
-"""Tells what the memory sanitizer found in the library, of logs of fuzzers that went on after each report.
+"""Tells what the memory sanitizer found in the library, of logs of programs that went on after each report.
 
 usage: memory_reports.py LOG...
 
-The C++ standard library of Debian is not instrumented: what it writes passes for uninitialised wherever containers and
-strings are used, in the tests and example codecs. The library uses none. So a report counts if its innermost frame, but
-for intrinsics and Highway, lies in src or zorcore. Ends with 1 if there is one.
+The logs have addresses instead of names, as there are many. The C++ standard library of Debian is not instrumented: what
+it writes passes for uninitialised wherever containers and strings are used, in the tests and example codecs. The library
+uses none. So a report counts if its innermost frame, but for intrinsics and Highway, lies in src or zorcore. Ends with 1
+if there is one.
 """
 import collections
+import functools
 import pathlib
 import re
+import subprocess
 import sys
 
-FRAME = re.compile(r"^ +#\d+ 0x[0-9a-f]+ in (.*)$", re.MULTILINE)
+FRAME = re.compile(r" +#\d+ 0x[0-9a-f]+ +\((\S+)\+(0x[0-9a-f]+)\)")
 PASSED_OVER = ("/lib/clang/", "/hwy/")
 
 
+@functools.cache
+def symbolizer(program):
+    command = ["llvm-symbolizer", "-e", program, "--inlines", "--functions=none"]
+    return subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1)
+
+
+@functools.cache
+def lines_at(program, offset):
+    """The lines of the source that an address stands for, the innermost of inlined functions first."""
+    process = symbolizer(program)
+    print(offset, file=process.stdin, flush=True)
+    return tuple(iter(lambda: process.stdout.readline().strip(), ""))
+
+
+@functools.cache
 def place(frames):
-    """Where in the library the first frame that counts lies, or None."""
-    for frame in frames:
-        if any(part in frame for part in PASSED_OVER):
-            continue
-        found = re.search(r"(?<!usr)/((?:src|zorcore)/\S+)$", frame)
-        return found and found[1]
+    """Where in the library the first line that counts lies, or None."""
+    for program, offset in frames:
+        for line in lines_at(program, offset):
+            if not any(part in line for part in PASSED_OVER):
+                found = None if "/usr/" in line else re.search(r"/((?:src|zorcore)/\S+)$", line)
+                return found and found[1]
     return None
 
 
+def reports(log):
+    """The frames of each report."""
+    frames = None
+    for line in log:
+        if "WARNING: MemorySanitizer" in line:
+            if frames is not None:
+                yield tuple(frames)
+            frames = []
+        elif frames is not None and (match := FRAME.match(line)):
+            frames.append((match[1], match[2]))
+    if frames is not None:
+        yield tuple(frames)
+
+
 def main():
-    reports, found = 0, collections.Counter()
-    for log in sys.argv[1:]:
-        for report in pathlib.Path(log).read_text(errors="replace").split("WARNING: MemorySanitizer")[1:]:
-            reports += 1
-            where = place(FRAME.findall(report))
-            if where:
-                found[f"{pathlib.Path(log).stem}: {where}"] += 1
+    elsewhere, found = 0, collections.Counter()
+    for name in sys.argv[1:]:
+        with open(name, errors="replace") as log:
+            for frames in reports(log):
+                if where := place(frames):
+                    found[f"{pathlib.Path(name).name}: {where}"] += 1
+                else:
+                    elsewhere += 1
     for where, count in found.most_common():
         print(f"{count:6} {where}")
-    print(f"{sum(found.values())} reports in the library, {reports - sum(found.values())} for the standard library")
+    print(f"{sum(found.values())} reports in the library, {elsewhere} for the standard library")
     sys.exit(bool(found))
 
 
