@@ -5,8 +5,8 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "zorj/types.h"
@@ -112,9 +112,8 @@ class HuffmanEncoder {
     for (const HuffmanCode& code : canonicalCodes(lists)) codes_[code.symbol] = code;
   }
   StatusCode putSymbol(HuffmanWriter& writer, int symbol) const {
-    const auto found = codes_.find(symbol);
-    if (found == codes_.end()) return writer.put(0, 0);
-    return writer.put(static_cast<int>(found->second.code), found->second.length);
+    const HuffmanCode& code = codes_[static_cast<size_t>(symbol)];
+    return writer.put(static_cast<int>(code.code), code.length);
   }
   // A symbol, then the extra bits of `value`.
   StatusCode putValue(HuffmanWriter& writer, int symbol, int value, int extra) const {
@@ -129,7 +128,7 @@ class HuffmanEncoder {
   bool ignoreMissingCodes = false;
 
  private:
-  std::map<int, HuffmanCode> codes_;
+  std::array<HuffmanCode, 257> codes_{};  // by symbol; length 0: none, as for 256, a run of 15 before a value of 16 bits
 };
 
 inline StatusCode encodeBlock(HuffmanWriter& writer, const int16_t* block, int16_t& lastDc, const HuffmanEncoder& dc,
@@ -225,10 +224,9 @@ class HuffmanReader {
 
 class HuffmanDecoder {
  public:
-  explicit HuffmanDecoder(const HuffmanLists& lists) {
-    for (const HuffmanCode& code : canonicalCodes(lists)) symbols_[{code.length, code.code}] = code.symbol;
+  explicit HuffmanDecoder(const HuffmanLists& lists) : codes_(canonicalCodes(lists)) {
     // All ones in 16 bits cannot be told from "no code of this length".
-    symbols_.erase({16, 0xFFFF});
+    std::erase_if(codes_, [](const HuffmanCode& code) { return code.length == 16 && code.code == 0xFFFF; });
   }
 
   StatusCode takeSymbol(HuffmanReader& reader, int& symbol) const {
@@ -260,12 +258,14 @@ class HuffmanDecoder {
 
  private:
   bool find(int length, uint32_t bits, int& symbol) const {
-    const auto found = symbols_.find({length, bits});
-    if (found != symbols_.end()) symbol = found->second;
-    return found != symbols_.end();
+    const auto key = [](const HuffmanCode& code) { return std::pair(code.length, code.code); };
+    const auto found = std::ranges::lower_bound(codes_, std::pair(length, bits), {}, key);
+    if (found == codes_.end() || key(*found) != std::pair(length, bits)) return false;
+    symbol = found->symbol;
+    return true;
   }
 
-  std::map<std::pair<int, uint32_t>, int> symbols_;
+  std::vector<HuffmanCode> codes_;  // in the order of the list, which is that of lengths and codes
 };
 
 inline StatusCode takeExtraBits(HuffmanReader& reader, int count, int& value) {
