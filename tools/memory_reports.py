@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Tells what the memory sanitizer found in the library, of logs of programs that went on after each report.
+"""Tells what the memory sanitizer found in the library and the example codecs, of logs of programs that went on after
+each report.
 
 usage: memory_reports.py LOG...
 
 The logs have addresses instead of names, as there are many. The C++ standard library of Debian is not instrumented: what
-it writes passes for uninitialised wherever containers and strings are used, in the tests and example codecs. The library
-uses none. So a report counts if its innermost frame, but for intrinsics and Highway, lies in src or zorcore. Ends with 1
-if there is one.
+it writes passes for uninitialised wherever strings, paths and maps are used. So a report counts if its innermost frame,
+but for intrinsics and Highway, lies in src, zorcore or a codec; examples/common, full of paths, does not count. Ends with
+1 if there is a report that counts.
 """
 import collections
 import functools
@@ -16,6 +17,7 @@ import subprocess
 import sys
 
 FRAME = re.compile(r" +#\d+ 0x[0-9a-f]+ +\((\S+)\+(0x[0-9a-f]+)\)")
+COUNTED = re.compile(r"/((?:src|zorcore|examples/(?:dds|jpeg|jpeg2k|tiff))/\S+)$")
 PASSED_OVER = ("/lib/clang/", "/hwy/")
 
 
@@ -35,11 +37,11 @@ def lines_at(program, offset):
 
 @functools.cache
 def place(frames):
-    """Where in the library the first line that counts lies, or None."""
+    """Where the first line that is not passed over lies, or None if it does not count."""
     for program, offset in frames:
         for line in lines_at(program, offset):
             if not any(part in line for part in PASSED_OVER):
-                found = None if "/usr/" in line else re.search(r"/((?:src|zorcore)/\S+)$", line)
+                found = None if "/usr/" in line else COUNTED.search(line)
                 return found and found[1]
     return None
 
@@ -69,7 +71,7 @@ def main():
                     elsewhere += 1
     for where, count in found.most_common():
         print(f"{count:6} {where}")
-    print(f"{sum(found.values())} reports in the library, {elsewhere} for the standard library")
+    print(f"{sum(found.values())} reports in the library and the codecs, {elsewhere} for the standard library")
     sys.exit(bool(found))
 
 

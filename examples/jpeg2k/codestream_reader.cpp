@@ -126,6 +126,7 @@ void CodestreamReader::checkMemory() const {
 }
 
 void CodestreamReader::readTiles() {
+  tiles_.resize(static_cast<size_t>(tileCount(size_)));
   try {
     for (;;) {
       const uint16_t code = nextMarker();
@@ -144,7 +145,7 @@ void CodestreamReader::readTilePart() {
   const int32_t number = in.word();
   const uint32_t length = in.doubleWord();
   if (number >= tileCount(size_)) throw Error("a tile's number is out of range");
-  TileData& tile = tiles_[number];
+  TileData& tile = tiles_[static_cast<size_t>(number)];
   readTilePartHeader(number, tile);
   takePackedHeaders(tile);
   // A length of 0 stands for all the rest (T.800 A.4.2).

@@ -64,8 +64,8 @@ class CodestreamReader {
 
   const ImageSize& size() const { return size_; }
   const TileCoding& mainCoding() const { return main_->coding(); }
-  // By their numbers; those without any data are missing.
-  std::map<int32_t, TileData>& tiles() { return tiles_; }
+  // By their numbers; those without any data have no parts.
+  std::vector<TileData>& tiles() { return tiles_; }
   const TileCoding& coding(const TileData& tile) const { return (tile.headers ? *tile.headers : *main_).coding(); }
   // What stopped readTiles() before the end; empty if nothing did.
   const std::string& problem() const { return problem_; }
@@ -87,7 +87,7 @@ class CodestreamReader {
   std::map<int32_t, std::span<const uint8_t>> packedSegments_;  // PPM, by their numbers
   std::vector<uint8_t> packed_;                                 // joined
   size_t packedPosition_ = 0;
-  std::map<int32_t, TileData> tiles_;
+  std::vector<TileData> tiles_;
   int64_t precincts_ = 0;  // of all tiles, and of those with headers of their own
   std::string problem_;
 };

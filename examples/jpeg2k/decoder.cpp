@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <type_traits>
+#include <utility>
 
 #include "common/error.h"
 #include "common/image_file.h"
@@ -104,14 +105,14 @@ class Decoder {
     for (int32_t number = 0; number < tileCount(size()); ++number) {
       if (!selection.holds(size(), number)) continue;
       ++tiles_;
-      const auto data = codestream_.tiles().find(number);
-      if (data == codestream_.tiles().end()) {
+      const TileData data = std::move(codestream_.tiles()[static_cast<size_t>(number)]);
+      if (data.parts.empty()) {
         ++incompleteTiles_;
         storeGreyTile(size(), number, selection, sink);
         continue;
       }
       try {
-        const TileReport report = decodeTile(codestream_, number, data->second, selection, options_.threads, sink);
+        const TileReport report = decodeTile(codestream_, number, data, selection, options_.threads, sink);
         if (!report.problem.empty()) ++incompleteTiles_;
         damagedBlocks_ += report.damagedBlocks;
       } catch (const Error&) {
@@ -119,7 +120,6 @@ class Decoder {
         ++incompleteTiles_;
         storeGreyTile(size(), number, selection, sink);
       }
-      codestream_.tiles().erase(data);
     }
   }
 
