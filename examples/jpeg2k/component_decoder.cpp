@@ -11,7 +11,8 @@ constexpr int32_t kReach = 4;
 
 Rect widened(const Rect& rect) {
   if (rect.empty()) return rect;
-  return {rect.x0 - kReach, rect.y0 - kReach, rect.x1 + kReach, rect.y1 + kReach};
+  const auto beyond = [](int32_t end) { return std::min(end, INT32_MAX - kReach) + kReach; };
+  return {rect.x0 - kReach, rect.y0 - kReach, beyond(rect.x1), beyond(rect.y1)};
 }
 
 }  // namespace
