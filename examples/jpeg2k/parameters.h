@@ -96,12 +96,6 @@ struct TileCoding {
   bool eph = false;
   std::vector<ComponentCoding> components;
   std::vector<PacketVolume> volumes;  // POC; empty for all packets in `order`
-
-  // The volumes as they are to be gone through; at least one.
-  std::vector<PacketVolume> packetVolumes() const {
-    if (!volumes.empty()) return volumes;
-    return {{layers, 0, kMaxLevels + 1, 0, static_cast<int32_t>(components.size()), order}};
-  }
 };
 
 }  // namespace examples::jpeg2k

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 
 namespace examples::jpeg2k {
 namespace {
@@ -17,30 +18,46 @@ int32_t startOnGrid(int32_t index, int32_t begin, int32_t precinctExponent, int3
   return static_cast<int32_t>((start << levelsAbove) * distance);
 }
 
+// A bit for each resolution before this one.
+uint64_t below(int32_t resolution) { return (uint64_t{1} << std::min(resolution, kMaxLevels + 1)) - 1; }
+
 }  // namespace
 
 PacketOrder::PacketOrder(const ImageSize& size, const Tile& tile, const TileCoding& coding)
-    : size_(size), tile_(tile), volumes_(coding.packetVolumes()), layers_(coding.layers), precincts_(tile) {
-  layersDone_.resize(static_cast<size_t>(precincts_.count()));
+    : size_(size), tile_(tile), volumes_(coding.volumes), layers_(coding.layers), components_(tile.components.size()) {
+  everything_ = {layers_, 0, kMaxLevels + 1, 0, static_cast<int32_t>(components_.size()), coding.order};
+  for (size_t c = 0; c < components_.size(); ++c) {
+    const std::vector<Resolution>& resolutions = tile.components[c].resolutions;
+    for (size_t r = 0; r < resolutions.size(); ++r) {
+      if (resolutions[r].precincts() > 0) components_[c].unfinished |= uint64_t{1} << r;
+    }
+  }
   beginVolume();
 }
 
+// There may be many volumes, and in many tiles most of them may be empty: such a one takes no time that matters.
 void PacketOrder::beginVolume() {
   places_.clear();
-  const PacketVolume& volume = volumes_[volume_];
-  layerEnd_ = std::min(volume.layerEnd, layers_);
-  const int32_t componentEnd = std::min(volume.componentEnd, static_cast<int32_t>(tile_.components.size()));
-  for (int32_t c = volume.componentBegin; c < componentEnd; ++c) {
-    const TileComponent& component = tile_.components[static_cast<size_t>(c)];
-    const int32_t resolutionEnd = std::min(volume.resolutionEnd, component.levels() + 1);
-    for (int32_t r = volume.resolutionBegin; r < resolutionEnd; ++r) addPlaces(c, r);
+  layerEnd_ = std::min(volume().layerEnd, layers_);
+  const uint64_t wanted = below(volume().resolutionEnd) & ~below(volume().resolutionBegin);
+  const int32_t componentEnd = std::min(volume().componentEnd, static_cast<int32_t>(components_.size()));
+  for (int32_t c = volume().componentBegin; c < componentEnd; ++c) {
+    Progress& progress = components_[static_cast<size_t>(c)];
+    for (uint64_t left = progress.unfinished & wanted; left != 0; left &= left - 1) {
+      const int32_t r = std::countr_zero(left);
+      int32_t& done = progress.layersDone[static_cast<size_t>(r)];
+      if (done >= layerEnd_) continue;
+      addPlaces(c, r, done);
+      done = layerEnd_;
+      if (done == layers_) progress.unfinished ^= uint64_t{1} << r;
+    }
   }
-  sortPlaces(volume.order);
+  sortPlaces(volume().order);
   groupEnd_ = 0;
   beginGroup();
 }
 
-void PacketOrder::addPlaces(int32_t c, int32_t r) {
+void PacketOrder::addPlaces(int32_t c, int32_t r, int32_t layerBegin) {
   const TileComponent& component = tile_.components[static_cast<size_t>(c)];
   const ComponentSize& distances = size_.components[static_cast<size_t>(c)];
   const Resolution& resolution = component.resolutions[static_cast<size_t>(r)];
@@ -50,11 +67,9 @@ void PacketOrder::addPlaces(int32_t c, int32_t r) {
     const int32_t y =
         startOnGrid(row, resolution.rect.y0, resolution.precinctHeight, levelsAbove, distances.dy, tile_.rect.y0);
     for (int32_t column = 0; column < resolution.precinctsWide; ++column, ++precinct) {
-      const int64_t index = precincts_.of(c, r, precinct);
-      if (layersDone_[static_cast<size_t>(index)] >= layerEnd_) continue;
       const int32_t x =
           startOnGrid(column, resolution.rect.x0, resolution.precinctWidth, levelsAbove, distances.dx, tile_.rect.x0);
-      places_.push_back({c, r, precinct, x, y, index});
+      places_.push_back({c, r, precinct, x, y, layerBegin});
     }
   }
 }
@@ -80,9 +95,8 @@ void PacketOrder::sortPlaces(Progression order) {
 void PacketOrder::beginGroup() {
   groupBegin_ = groupEnd_;
   place_ = groupBegin_;
-  layer_ = 0;
   if (groupBegin_ == places_.size()) return;
-  switch (volumes_[volume_].order) {
+  switch (volume().order) {
     case Progression::lrcp:
       groupEnd_ = places_.size();
       break;
@@ -94,6 +108,8 @@ void PacketOrder::beginGroup() {
     default:
       ++groupEnd_;
   }
+  layer_ = places_[groupBegin_].layerBegin;
+  for (size_t i = groupBegin_; i < groupEnd_; ++i) layer_ = std::min(layer_, places_[i].layerBegin);
 }
 
 bool PacketOrder::next(Packet& packet) {
@@ -105,9 +121,8 @@ bool PacketOrder::next(Packet& packet) {
     for (; layer_ < layerEnd_; ++layer_, place_ = groupBegin_) {
       while (place_ < groupEnd_) {
         const Place& place = places_[place_++];
-        int32_t& done = layersDone_[static_cast<size_t>(place.index)];
-        if (done > layer_) continue;
-        packet = {place.component, place.resolution, place.precinct, done++};
+        if (place.layerBegin > layer_) continue;
+        packet = {place.component, place.resolution, place.precinct, layer_};
         return true;
       }
     }

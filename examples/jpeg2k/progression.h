@@ -1,6 +1,7 @@
 // The order of the packets of a tile (T.800 B.12).
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -16,7 +17,7 @@ struct Packet {
   int32_t layer = 0;
 };
 
-// Goes through the packets of a tile, each once. The image's size and the tile must outlive it.
+// Goes through the packets of a tile, each once. What is passed must outlive it.
 class PacketOrder {
  public:
   PacketOrder(const ImageSize& size, const Tile& tile, const TileCoding& coding);
@@ -29,21 +30,27 @@ class PacketOrder {
     int32_t component;
     int32_t resolution;
     int32_t precinct;
-    int32_t x, y;   // where the precinct starts on the reference grid
-    int64_t index;  // among all precincts of the tile
+    int32_t x, y;        // where the precinct starts on the reference grid
+    int32_t layerBegin;  // the layers before have been gone through
+  };
+  // Of a component; volumes hold all precincts of a resolution or none.
+  struct Progress {
+    uint64_t unfinished = 0;  // a bit for each resolution of which there are packets left
+    std::array<int32_t, kMaxLevels + 1> layersDone{};
   };
 
+  const PacketVolume& volume() const { return volumes_.empty() ? everything_ : volumes_[volume_]; }
   void beginVolume();
-  void addPlaces(int32_t component, int32_t resolution);
+  void addPlaces(int32_t component, int32_t resolution, int32_t layerBegin);
   void sortPlaces(Progression order);
   void beginGroup();
 
   const ImageSize& size_;
   const Tile& tile_;
-  std::vector<PacketVolume> volumes_;
+  const std::vector<PacketVolume>& volumes_;
+  PacketVolume everything_;
   int32_t layers_;
-  PrecinctIndex precincts_;
-  std::vector<int32_t> layersDone_;  // of each precinct
+  std::vector<Progress> components_;  // as it is at the end of the volume
   size_t volume_ = 0;
   int32_t layerEnd_ = 0;  // of the volume
   // The precincts of the volume in their order. They form groups, inside of which each layer goes through all of them.
