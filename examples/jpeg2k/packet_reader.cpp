@@ -128,9 +128,8 @@ bool PacketReader::readHeader(const Packet& packet, Bits& bits) {
   if (bits.bit() == 0) return !bits.ended();
   const uint32_t style = coding_.components[static_cast<size_t>(packet.component)].style.blockStyle;
   for (PrecinctBand& band : makeBands(packet)) {
-    for (int32_t i = 0; i < band.grid.count(); ++i) {
-      if (!readBlock(band, i, packet.layer, style, bits)) return false;
-    }
+    const auto read = [&](int32_t number, bool isNew) { return readBlock(band, number, isNew, style, bits); };
+    if (!band.inclusion.read(packet.layer, bits, read)) return false;
   }
   return true;
 }
@@ -147,19 +146,13 @@ std::vector<PrecinctBand>& PacketReader::makeBands(const Packet& packet) {
 }
 
 // What a packet's header says of one block. The passes go to pending_. False for what cannot be.
-bool PacketReader::readBlock(PrecinctBand& band, int32_t number, int32_t layer, uint32_t style, Bits& bits) {
-  const auto readBit = [&] { return bits.bit() != 0; };
+bool PacketReader::readBlock(PrecinctBand& band, int32_t number, bool isNew, uint32_t style, Bits& bits) {
   PacketBlock& block = band.blocks[static_cast<size_t>(number)];
-  if (block.included) {
-    if (bits.bit() == 0) return !bits.ended();
-  } else {
-    if (!band.inclusion.read(number, layer + 1, readBit)) return !bits.ended();
-    block.included = true;
-    int32_t threshold = 1;
-    while (!band.zeroPlanes.read(number, threshold, readBit)) {
-      if (bits.ended() || ++threshold > kMaxPlanes) return false;
-    }
+  if (isNew) {
+    if (!band.zeroPlanes.read(number, kMaxPlanes, [&] { return bits.bit() != 0; })) return false;
     block.zeroPlanes = band.zeroPlanes.value(number);
+  } else if (bits.bit() == 0) {
+    return !bits.ended();
   }
   const int32_t passEnd = block.passes + readPassCount(bits);
   while (bits.bit() != 0) ++block.lengthBits;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "jpeg2k/geometry.h"
+#include "jpeg2k/inclusion_tree.h"
 #include "jpeg2k/progression.h"
 #include "jpeg2k/tag_tree.h"
 
@@ -31,7 +32,6 @@ struct PacketBlock {
   int32_t zeroPlanes = 0;
   int32_t passes = 0;      // in all packets read
   int32_t lengthBits = 3;  // Lblock of T.800 B.10.7.1
-  bool included = false;
 };
 
 struct PrecinctBand {
@@ -42,7 +42,7 @@ struct PrecinctBand {
         blocks(static_cast<size_t>(grid.count())) {}
 
   BlockGrid grid;
-  TagTree inclusion;
+  InclusionTree inclusion;
   TagTree zeroPlanes;
   std::vector<PacketBlock> blocks;
 };
@@ -78,7 +78,7 @@ class PacketReader {
 
   bool readPacket(const Packet& packet, bool keep);
   bool readHeader(const Packet& packet, Bits& bits);
-  bool readBlock(PrecinctBand& band, int32_t number, int32_t layer, uint32_t style, Bits& bits);
+  bool readBlock(PrecinctBand& band, int32_t number, bool isNew, uint32_t style, Bits& bits);
   bool readBody(bool keep);
   std::vector<PrecinctBand>& makeBands(const Packet& packet);
   void append(PacketBlock& block, const Piece& piece);
