@@ -1,6 +1,7 @@
 #include "jpeg2k/jp2_reader.h"
 
 #include <algorithm>
+#include <numeric>
 
 #include "common/byte_reader.h"
 #include "common/error.h"
@@ -160,13 +161,15 @@ std::vector<Channel> Jp2File::colors(int32_t components) const {
     }
   }
   // Opacity is left out, and colours are put in their order.
+  std::vector<int32_t> orders(all.size());
+  std::iota(orders.begin(), orders.end(), 1);
+  for (const Definition& definition : definitions) {
+    const size_t channel = static_cast<size_t>(definition.channel);
+    if (channel < all.size()) orders[channel] = definition.type == 0 ? definition.association : -1;
+  }
   std::vector<std::pair<int32_t, Channel>> ordered;
   for (size_t i = 0; i < all.size(); ++i) {
-    int32_t order = static_cast<int32_t>(i) + 1;
-    for (const Definition& definition : definitions) {
-      if (definition.channel == static_cast<int32_t>(i)) order = definition.type == 0 ? definition.association : -1;
-    }
-    if (order >= 0) ordered.emplace_back(order, all[i]);
+    if (orders[i] >= 0) ordered.emplace_back(orders[i], all[i]);
   }
   std::stable_sort(ordered.begin(), ordered.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   if (ordered.empty()) throw Error("there are no colours");
