@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "common/error.h"
-#include "jpeg2k/geometry.h"
 #include "jpeg2k/markers.h"
 
 namespace examples::jpeg2k {
@@ -17,7 +16,7 @@ constexpr int64_t kMaxTiles = 65535;
 // pixels.
 constexpr int64_t kAlwaysAllowedPixels = 1 << 24;
 constexpr int64_t kMaxPixelsPerByte = 4096;
-// Precincts take a byte each, unless the file is cut.
+// Precincts take a byte each, unless the file is cut. Tiles are decoded as long as there are no more.
 constexpr int64_t kAlwaysAllowedPrecincts = 1 << 18;
 
 int32_t coordinate(ByteReader& in) {
@@ -58,15 +57,22 @@ CodestreamReader::CodestreamReader(std::span<const uint8_t> codestream) : bytes_
   position_ -= 2;
   main_->check();
   packed_ = joined(packedSegments_);
-  // All tiles have about as many as the first.
-  countPrecincts(PrecinctIndex(makeTile(size_, mainCoding(), 0)).count() * tileCount(size_));
 }
 
-void CodestreamReader::countPrecincts(int64_t count) {
-  precincts_ += count;
-  if (precincts_ > kAlwaysAllowedPrecincts + static_cast<int64_t>(bytes_.size())) {
+std::unique_ptr<CodingHeaders> CodestreamReader::ownHeaders(const TileData& tile) const {
+  if (tile.headers.empty()) return nullptr;
+  auto headers = std::make_unique<CodingHeaders>(*main_);
+  headers->beginTile();
+  for (const TileData::Header& header : tile.headers) headers->read(header.marker, ByteReader(header.content));
+  return headers;
+}
+
+void CodestreamReader::addPrecincts(const Tile& tile) {
+  const int64_t count = precincts_ + PrecinctIndex(tile).count();
+  if (count > kAlwaysAllowedPrecincts + static_cast<int64_t>(bytes_.size())) {
     throw Error("the file is too small for as many precincts");
   }
+  precincts_ = count;
 }
 
 uint16_t CodestreamReader::nextMarker() {
@@ -146,7 +152,7 @@ void CodestreamReader::readTilePart() {
   const uint32_t length = in.doubleWord();
   if (number >= tileCount(size_)) throw Error("a tile's number is out of range");
   TileData& tile = tiles_[static_cast<size_t>(number)];
-  readTilePartHeader(number, tile);
+  readTilePartHeader(tile);
   takePackedHeaders(tile);
   // A length of 0 stands for all the rest (T.800 A.4.2).
   size_t end = length == 0 ? bytes_.size() : start + length;
@@ -160,9 +166,8 @@ void CodestreamReader::readTilePart() {
   if (cut) throw Error("the file ends before its last tile does");
 }
 
-void CodestreamReader::readTilePartHeader(int32_t number, TileData& tile) {
+void CodestreamReader::readTilePartHeader(TileData& tile) {
   std::map<int32_t, std::span<const uint8_t>> packed;
-  bool divided = false;
   for (;;) {
     const uint16_t code = nextMarker();
     if (code == marker::SOD) break;
@@ -172,12 +177,7 @@ void CodestreamReader::readTilePartHeader(int32_t number, TileData& tile) {
       packed[index] = in.rest();
     } else if (code == marker::COD || code == marker::COC || code == marker::QCD || code == marker::QCC ||
                code == marker::RGN || code == marker::POC) {
-      if (!tile.headers) {
-        tile.headers = std::make_unique<CodingHeaders>(*main_);
-        tile.headers->beginTile();
-      }
-      tile.headers->read(code, in);
-      divided = divided || code == marker::COD || code == marker::COC;
+      tile.headers.push_back({code, in.rest()});
     }
   }
   if (!packed.empty()) {
@@ -185,7 +185,6 @@ void CodestreamReader::readTilePartHeader(int32_t number, TileData& tile) {
     tile.packed = true;
     tile.packetHeaders.insert(tile.packetHeaders.end(), bytes.begin(), bytes.end());
   }
-  if (divided) countPrecincts(PrecinctIndex(makeTile(size_, tile.headers->coding(), number)).count());
 }
 
 // The main header's packet headers of one tile-part after the other, each with its length before it.

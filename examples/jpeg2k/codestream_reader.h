@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/byte_reader.h"
+#include "jpeg2k/geometry.h"
 #include "jpeg2k/parameters.h"
 
 namespace examples::jpeg2k {
@@ -47,7 +48,11 @@ class CodingHeaders {
 
 // What the tile-parts of a tile hold.
 struct TileData {
-  std::unique_ptr<CodingHeaders> headers;  // null if they are those of the main header
+  struct Header {
+    uint16_t marker;
+    std::span<const uint8_t> content;
+  };
+  std::vector<Header> headers;  // those that override the main header's
   std::vector<std::span<const uint8_t>> parts;
   // Packet headers that stand apart from their packets (PPM, PPT).
   bool packed = false;
@@ -66,7 +71,10 @@ class CodestreamReader {
   const TileCoding& mainCoding() const { return main_->coding(); }
   // By their numbers; those without any data have no parts.
   std::vector<TileData>& tiles() { return tiles_; }
-  const TileCoding& coding(const TileData& tile) const { return (tile.headers ? *tile.headers : *main_).coding(); }
+  // What holds for a tile that has headers of its own, null for others. Throws Error for what is damaged.
+  std::unique_ptr<CodingHeaders> ownHeaders(const TileData& tile) const;
+  // Counts the precincts of a tile to be decoded. Throws Error if they are more than the file can hold.
+  void addPrecincts(const Tile& tile);
   // What stopped readTiles() before the end; empty if nothing did.
   const std::string& problem() const { return problem_; }
 
@@ -75,9 +83,8 @@ class CodestreamReader {
   ByteReader segment();
   void readSize(ByteReader in);
   void checkMemory() const;
-  void countPrecincts(int64_t count);
   void readTilePart();
-  void readTilePartHeader(int32_t number, TileData& tile);
+  void readTilePartHeader(TileData& tile);
   void takePackedHeaders(TileData& tile);
 
   std::span<const uint8_t> bytes_;
@@ -88,7 +95,7 @@ class CodestreamReader {
   std::vector<uint8_t> packed_;                                 // joined
   size_t packedPosition_ = 0;
   std::vector<TileData> tiles_;
-  int64_t precincts_ = 0;  // of all tiles, and of those with headers of their own
+  int64_t precincts_ = 0;  // of the tiles decoded
   std::string problem_;
 };
 

@@ -61,13 +61,14 @@ void raise(const T* from, int32_t count, int32_t precision, uint16_t* to) {
 
 class TileDecoder {
  public:
-  TileDecoder(const CodestreamReader& codestream, int32_t number, const TileData& data, const Selection& selection,
+  // What is passed must outlive the decoder.
+  TileDecoder(const ImageSize& size, const Tile& tile, const TileCoding& coding, const Selection& selection,
               int32_t threads)
-      : size_(codestream.size()),
-        coding_(codestream.coding(data)),
+      : size_(size),
+        tile_(tile),
+        coding_(coding),
         selection_(selection),
         threads_(threads),
-        tile_(makeTile(size_, coding_, number)),
         packets_(size_, tile_, coding_) {
     for (size_t c = 0; c < tile_.components.size(); ++c) addComponent(c);
   }
@@ -249,10 +250,10 @@ class TileDecoder {
   }
 
   const ImageSize& size_;
+  const Tile& tile_;
   const TileCoding& coding_;
   const Selection& selection_;
   int32_t threads_;
-  Tile tile_;
   PacketReader packets_;
   std::vector<Rect> wanted_;  // of each component
   std::vector<AnyComponentDecoder> components_;
@@ -285,9 +286,13 @@ void storeGreyTile(const ImageSize& size, int32_t number, const Selection& selec
   }
 }
 
-TileReport decodeTile(const CodestreamReader& codestream, int32_t number, const TileData& data,
-                      const Selection& selection, int32_t threads, SampleSink& sink) {
-  return TileDecoder(codestream, number, data, selection, threads).decode(data, sink);
+TileReport decodeTile(CodestreamReader& codestream, int32_t number, const TileData& data, const Selection& selection,
+                      int32_t threads, SampleSink& sink) {
+  const std::unique_ptr<CodingHeaders> own = codestream.ownHeaders(data);
+  const TileCoding& coding = own ? own->coding() : codestream.mainCoding();
+  const Tile tile = makeTile(codestream.size(), coding, number);
+  codestream.addPrecincts(tile);
+  return TileDecoder(codestream.size(), tile, coding, selection, threads).decode(data, sink);
 }
 
 }  // namespace examples::jpeg2k

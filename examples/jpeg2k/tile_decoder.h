@@ -40,7 +40,8 @@ struct TileReport {
 // Gives the sink the wanted part of a tile of which nothing is there, in the middle of the samples' range.
 void storeGreyTile(const ImageSize& size, int32_t number, const Selection& selection, SampleSink& sink);
 
-TileReport decodeTile(const CodestreamReader& codestream, int32_t number, const TileData& data,
-                      const Selection& selection, int32_t threads, SampleSink& sink);
+// Throws Error if nothing of the tile can be decoded.
+TileReport decodeTile(CodestreamReader& codestream, int32_t number, const TileData& data, const Selection& selection,
+                      int32_t threads, SampleSink& sink);
 
 }  // namespace examples::jpeg2k
