@@ -111,13 +111,13 @@ void writeText(const std::string& text, OutputFile& file) {
 template <class Sample>
 void writeSamples(const BasicImage<Sample>& image, int32_t times, OutputFile& file) {
   std::vector<uint8_t> row;
+  const size_t length = static_cast<size_t>(image.width) * static_cast<size_t>(image.channels);
   for (int32_t y = 0; y < image.height; ++y) {
     row.clear();
-    const Sample* const samples = image.at(0, y);
-    for (int32_t i = 0; i < image.width * image.channels; ++i) {
+    for (const Sample sample : std::span(image.at(0, y), length)) {
       for (int32_t n = 0; n < times; ++n) {
-        if (image.precision > 8) row.push_back(static_cast<uint8_t>(samples[i] >> 8));
-        row.push_back(static_cast<uint8_t>(samples[i]));
+        if (image.precision > 8) row.push_back(static_cast<uint8_t>(sample >> 8));
+        row.push_back(static_cast<uint8_t>(sample));
       }
     }
     file.write(row);

@@ -11,6 +11,8 @@ namespace {
 constexpr size_t kMaxComponents = 4;
 constexpr int32_t kMaxPrecision = 16;
 constexpr int64_t kMaxTiles = 65535;
+// Steps between rows, of up to 8 bytes a pixel, are to be told by an int.
+constexpr int32_t kMaxSide = INT32_MAX / 8;
 
 // Images up to this size are decoded whatever is there of their data; larger ones need a byte of file for so many
 // pixels.
@@ -108,6 +110,7 @@ void CodestreamReader::readSize(ByteReader in) {
       int64_t{size_.tileY} + size_.tileHeight <= size_.image.y0 || count == 0) {
     throw Error("the size of the image or its tiles is out of range");
   }
+  if (size_.image.width() > kMaxSide || size_.image.height() > kMaxSide) throw Error("the image is too large");
   if (tileCount(size_) > kMaxTiles) throw Error("there are too many tiles");
   if (count > kMaxComponents) throw Error("more than 4 components are not supported");
   for (int i = 0; i < count; ++i) {
