@@ -18,7 +18,7 @@ constexpr int32_t kMaxSide = INT32_MAX / 8;
 // pixels.
 constexpr int64_t kAlwaysAllowedPixels = 1 << 24;
 constexpr int64_t kMaxPixelsPerByte = 4096;
-// Precincts take a byte each, unless the file is cut. Tiles are decoded as long as there are no more.
+// Every precinct takes a byte, unless the file is cut. Tiles with more than this are not decoded.
 constexpr int64_t kAlwaysAllowedPrecincts = 1 << 18;
 
 int32_t coordinate(ByteReader& in) {

@@ -115,8 +115,9 @@ class Decoder {
         const TileReport report = decodeTile(codestream_, number, data, selection, options_.threads, sink);
         if (!report.problem.empty()) ++incompleteTiles_;
         damagedBlocks_ += report.damagedBlocks;
-      } catch (const Error&) {
+      } catch (const Error& error) {
         if (++failedTiles_ == tileCount(size())) throw;
+        if (failedTiles_ == 1) failure_ = error.what();
         ++incompleteTiles_;
         storeGreyTile(size(), number, selection, sink);
       }
@@ -130,6 +131,7 @@ class Decoder {
     if (incompleteTiles_ > 0) {
       add(std::to_string(incompleteTiles_) + " of " + std::to_string(tiles_) + " tiles are incomplete");
     }
+    if (failedTiles_ > 0) add(failure_);
     if (damagedBlocks_ > 0) add(std::to_string(damagedBlocks_) + " code-blocks are damaged");
     return report;
   }
@@ -142,6 +144,7 @@ class Decoder {
   int64_t tiles_ = 0;
   int64_t incompleteTiles_ = 0;
   int64_t failedTiles_ = 0;
+  std::string failure_;  // of the first of them
   int64_t damagedBlocks_ = 0;
 };
 

@@ -399,6 +399,22 @@ TEST(Jpeg2kHeaders, ChannelsAreOrderedAndOpacityIsLeftOut) {
   EXPECT_EQ(image.channels, 4);
 }
 
+// A search of all definitions for each channel would not end.
+TEST(Jpeg2kHeaders, AMillionChannelsAndDefinitions) {
+  constexpr size_t kCount = 1'300'000;
+  const Bytes codestream = openjpeg::encode(deepPicture({20, 10}, 1, 8), small(), true);
+  Bytes map, definitions(2);
+  for (size_t i = 0; i < kCount; ++i) {
+    append(map, {0, 0, 1, 0});
+    append(definitions, {0xff, 0xff, 0, 0, 0, 1});
+  }
+  Image image;
+  EXPECT_TRUE(
+      jpeg2k::decode(boxes(codestream, {{"pclr", {0, 1, 1, 7, 99}}, {"cmap", map}, {"cdef", definitions}}), {}, image)
+          .complete());
+  EXPECT_EQ(image.channels, 4);
+}
+
 // Components of half the width and height, in YCbCr: every sample is repeated, then converted.
 TEST(Jpeg2kHeaders, SubSampledYcc) {
   Random random(5);
