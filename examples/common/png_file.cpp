@@ -117,7 +117,7 @@ DeepImage readPng(std::span<const uint8_t> bytes, Opacity opacity) {
   bool done = false;
   try {
     done = info && readPixels(png, info, input, image, rows);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {  // out of memory, or more samples than a vector can hold
     std::strcpy(message.text, "no memory for so large an image");
   }
   png_destroy_read_struct(&png, &info, nullptr);

@@ -27,16 +27,24 @@ void readFirstScan(MarkerReader& reader) {
   if (!reader.nextScan()) throw Error("the file has no image data");
 }
 
-// A scan into the coefficients of the whole image.
-void decodeScan(const MarkerReader& reader, ScanDecoder& scan, CoefficientImage& image, Damage& damage) {
-  int64_t mcus = 0;
+// All scans of a file together may go through so many blocks, and so many more for each byte of it: a damaged scan, or
+// one of empty blocks, takes hardly any data. With a scan for each bit of each coefficient, 14 times 64 of them, an
+// empty picture takes 14 bits a block for its DC values: a byte for 512 blocks.
+constexpr int64_t kAlwaysAllowedBlocks = 1 << 24;
+constexpr int64_t kMaxBlocksPerByte = 512;
+
+// A scan into the coefficients of the whole image. Returns how many blocks it went through.
+int64_t decodeScan(const MarkerReader& reader, ScanDecoder& scan, CoefficientImage& image, Damage& damage) {
+  int64_t mcus = 0, blocks = 0;
   for (int32_t row = 0; row < image.frame.mcusHigh(); ++row) {
     inMcuRow(image, reader.scan().components, row, [&](std::span<const McuBlock> mcu, int32_t count) {
       scan.decode(mcu, count);
       mcus += count;
+      blocks += std::ssize(mcu) * count;
     });
   }
   damage.count(scan.lostMcus(), mcus);
+  return blocks;
 }
 
 // Which scans a file has had. Sequential ones code each component once, whole.
@@ -73,12 +81,14 @@ Damage decodeAllScans(MarkerReader& reader, CoefficientImage& image) {
   image.mcus = McuArray(image.frame, image.frame.mcusWide(), image.frame.mcusHigh());
   ScanRecord record(image.frame);
   Damage damage;
+  int64_t blocksLeft = kAlwaysAllowedBlocks + kMaxBlocksPerByte * std::ssize(reader.file());
   bool isFirst = true;
   for (bool more = true; more; isFirst = false) {
     try {
+      if (blocksLeft < 0) throw Error("the file is too small for so many scans");
       record.add(reader.scan(), damage);
       ScanDecoder scan = startScan(reader, image.quantTables);
-      decodeScan(reader, scan, image, damage);
+      blocksLeft -= decodeScan(reader, scan, image, damage);
       more = nextScan(reader, scan.end(), damage);
     } catch (const Error& error) {
       if (isFirst) throw;

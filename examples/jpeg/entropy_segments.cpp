@@ -27,10 +27,7 @@ EntropySegments::EntropySegments(std::span<const uint8_t> file, size_t start, in
       position(static_cast<int32_t>(start)),
       unitsPerSegment_(unitsPerSegment),
       unitsLeft_(unitsPerSegment),
-      restartNumber_(static_cast<int32_t>(segment % 8)) {
-  // Where a file is cut after 0xFF, that byte says nothing, but the bits before it are worth decoding.
-  while (length > position && bytes[length - 1] == 0xff) --length;
-}
+      restartNumber_(static_cast<int32_t>(segment % 8)) {}
 
 bool EntropySegments::advance() {
   if (unitsPerSegment_ == 0 || --unitsLeft_ > 0) return false;

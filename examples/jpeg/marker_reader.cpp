@@ -42,6 +42,8 @@ uint8_t tableNumber(int32_t number) {
 MarkerReader::MarkerReader(std::span<const uint8_t> file) : file_(file) {
   if (file.size() < 3 || file[0] != 0xff || file[1] != marker::SOI || file[2] != 0xff) throw Error("not a JPEG file");
   if (file.size() > std::numeric_limits<int32_t>::max()) throw Error("the file is larger than 2 GiB");
+  // Where a file is cut after 0xFF, that byte says nothing, and decoders would stop at it before the bits they hold.
+  while (file_.back() == 0xff) file_ = file_.first(file_.size() - 1);
   position_ = 2;
 }
 

@@ -30,7 +30,7 @@
  * @endcode
  *
  * States are opaque, serve one block at a time, and carry a mark that every function with a state checks
- * (StatusBadContext). They may be attached or loaded again for the next block.
+ * (StatusBadContext), except zoriEncodeFree_JPEG2K. They may be attached or loaded again for the next block.
  */
 #ifndef ZORJ_JPEG2K_CODEBLOCK_H
 #define ZORJ_JPEG2K_CODEBLOCK_H

@@ -524,6 +524,9 @@ ZORJ_API StatusCode ZORJ_CALL zoriWTInvColLift_B53_JPEG2K_32s_C1(const int32_t* 
  * Nothing outside the tile is read or written, and nothing is written when a check fails. The buffer and the images
  * must not overlap.
  *
+ * A buffer of more than INT32_MAX bytes is none: its size is told modulo 2^32, and the transforms refuse the tile with
+ * StatusBadSize, after all other checks.
+ *
  * A level and its inverse give the samples back exactly. 16-bit samples take the arithmetic of the rows: sums in 32
  * bits, results of 16.
  * @{
@@ -1025,6 +1028,9 @@ ZORJ_API StatusCode ZORJ_CALL zoriWTInvColLift_D97_JPEG2K_32f_C1(const float* pL
  *
  * Nothing outside the tile is read or written, and nothing is written when a check fails. The buffer and the images
  * must not overlap.
+ *
+ * A buffer of more than INT32_MAX bytes is none: its size is told modulo 2^32, and the transforms refuse the tile with
+ * StatusBadSize, after all other checks.
  * @{
  */
 

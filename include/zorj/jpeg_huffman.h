@@ -58,7 +58,8 @@ typedef struct HuffmanDecodeState HuffmanDecodeState;
  * @param pValues Receives the symbols that have a code, in order of increasing length: up to 256 bytes; those behind
  *                the last symbol are not touched.
  * @return StatusNullPointer for a null argument; StatusBadHuffmanTable, with the outputs untouched, where nothing was
- *         counted or where a code would have more than 32 bits before the limit of 16 is imposed.
+ *         counted, where a code would have more than 32 bits before the limit of 16 is imposed, or where all 256
+ *         symbols would have codes of one length.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriEncodeHuffmanRawTableInit_JPEG_8u(const int32_t* pStatistics, uint8_t* pBits,
                                                                     uint8_t* pValues);
@@ -204,7 +205,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriEncodeHuffman8x8_JPEG_16s1u_C1(const int16_t* 
  * @param pDst The destination. The bits before the position in a begun byte are read and kept, those behind the last
  *             bit written become 0.
  * @param pDstBitPosition Where to write: 8 times the byte, plus the bit, counted from the most significant one;
- *                        receives where the written bits end. A zero byte after 0xFF counts 8 bits.
+ *                        receives where the written bits end. A zero byte after 0xFF counts 8 bits. Behind 256 MiB it
+ *                        overflows, which is not checked.
  * @param pLastDC DC value of the component's block before; receives this block's.
  * @param pDcSpec Table for the DC difference.
  * @param pAcSpec Table for the other coefficients.
@@ -260,8 +262,9 @@ ZORJ_API StatusCode ZORJ_CALL zoriEncodeHuffmanRow_JPEG_16s1u_P4C1(const int16_t
  * read while `pMarker` is not 0, so the caller clears it after dealing with the marker, initialises the state and, at a
  * restart marker, sets the last DC values to 0. Nothing at or beyond `srcLength` is read.
  *
- * Corrupt data: StatusBufferEnd where the input ends, or the position lies outside it, although bits are needed;
- * StatusHuffmanDataError where a marker does so or no code matches. What was decoded before stays; position, marker and
+ * Corrupt data: StatusBufferEnd where the input ends, or the position lies outside it, although bits are needed, and as
+ * soon as the reading ahead comes upon a 0xFF that ends the input; StatusHuffmanDataError where a marker comes although
+ * bits are needed, or no code matches. What was decoded before stays; position, marker and
  * state tell how far the reading went.
  * @{ */
 
@@ -299,15 +302,15 @@ ZORJ_API StatusCode ZORJ_CALL zoriDecodeHuffmanStateFree_JPEG_8u(HuffmanDecodeSt
  * @param pSrc The source.
  * @param srcLength Its length in bytes, counted from `pSrc`; may be 0.
  * @param pSrcPosition Where to read, in bytes from `pSrc`; receives where the reading stopped.
- * @param pDst Receives 64 quantised coefficients in row-major order. A run that leads 1 to 8 positions beyond the block
- *             ends in the last coefficient.
+ * @param pDst Receives 64 quantised coefficients in row-major order. A coefficient 1 to 8 positions beyond the block
+ *             goes to the last; a run of 16 zeros may lead anywhere.
  * @param pLastDC DC value of the component's block before; receives this block's once it is known.
  * @param pMarker The marker met, 0 if none.
  * @param pDcSpec Table for the DC difference.
  * @param pAcSpec Table for the other coefficients.
  * @param pState State of the segment.
  * @return In this order: StatusNullPointer for a null source; StatusBadArgument for a length below 0;
- *         StatusNullPointer for another null pointer; StatusBlockOverrun where a run leads further than 8 positions
+ *         StatusNullPointer for another null pointer; StatusBlockOverrun for a coefficient further than 8 positions
  *         beyond the block; else as said above.
  */
 ZORJ_API StatusCode ZORJ_CALL zoriDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* pSrc, int32_t srcLength,
@@ -316,8 +319,8 @@ ZORJ_API StatusCode ZORJ_CALL zoriDecodeHuffman8x8_JPEG_1u16s_C1(const uint8_t* 
                                                                  const HuffmanDecodeSpec* pAcSpec,
                                                                  HuffmanDecodeState* pState);
 /**
- * Decodes a block at a bit position, without a state. There is no length: the caller sees to it that a marker, or four
- * bytes more than needed, follow.
+ * Decodes a block at a bit position, without a state. There is no length: the caller sees to it that a marker follows,
+ * or four bytes more than needed, none of them 0xFF.
  *
  * @param pSrc The source.
  * @param pSrcBitPosition Where to read: 8 times the byte. Grows by 8 for every byte read; the low 3 bits are ignored

@@ -246,10 +246,10 @@ Differences decodeDifferences(const uint8_t* next, const uint8_t* end, HuffmanDe
   constexpr int64_t kWorthTable = 500;
   if (count >= kWorthTable && useOneTable(specs, components)) {
     const PairTable table(*specs[0]);
-    constexpr ptrdiff_t kRun = 240;
+    constexpr int64_t kRun = 240;
     int16_t differences[kRun + 1];
     while (count - done > 1) {
-      const ptrdiff_t run = HWY_MIN(kRun, static_cast<ptrdiff_t>(count - done - 1));
+      const auto run = static_cast<ptrdiff_t>(HWY_MIN(kRun, count - done - 1));
       const ptrdiff_t decoded = decodePairs(window, table, differences, run);
       writer.put(differences, decoded);
       done += decoded;

@@ -83,13 +83,22 @@ StatusCode decodeDifference(BitReader& reader, const HuffmanDecodeSpec& spec, in
   return StatusOk;
 }
 
+// How much of a source the fast path may decode. A last byte 0xFF ends the careful path, which reads ahead, before it
+// has used all bits: it reads no further than 4 bytes.
+int32_t fastLength(const SourceBytes& source) {
+  const uint8_t* const end = source.bytes + source.length;
+  if (source.length < 8 || end[-1] != 0xFF) return source.length;
+  return end[-2] == 0xFF ? 0 : source.length - 8;
+}
+
 StatusCode decodeRow(SourceBytes& source, HuffmanDecodeState& state, int16_t* const rows[], int32_t samples,
                      int32_t components, const HuffmanDecodeSpec* const specs[]) {
   const int64_t count = int64_t{samples} * components;
   int64_t i = 0;
-  if (canDecodeFast(source.length, source.position, source.marker)) {
-    const Differences done = huffmanDecodeKernels().differences(
-        source.bytes + source.position, source.bytes + source.length, state, rows, count, components, specs);
+  const int32_t length = fastLength(source);
+  if (canDecodeFast(length, source.position, source.marker)) {
+    const Differences done = huffmanDecodeKernels().differences(source.bytes + source.position, source.bytes + length,
+                                                                state, rows, count, components, specs);
     i = done.count;
     source.position = static_cast<int32_t>(done.next - source.bytes);
   }

@@ -66,8 +66,8 @@ StatusCode ZORJ_CALL zoriSampleDownH2V2_JPEG_8u_C1R(const uint8_t* pSrc, int32_t
   const auto box = samplingKernels().boxH2V2;
   forEachRow(dstRoiSize, [=](int32_t y) {
     const int64_t upper = int64_t{2} * y;
-    box(dst.row(y), dst.width(), src.width(), ptrdiff_t{2} * src.step, src.nearestRow(upper),
-        src.nearestRow(upper + 1));
+    const auto ahead = static_cast<ptrdiff_t>(2 * static_cast<size_t>(src.step));
+    box(dst.row(y), dst.width(), src.width(), ahead, src.nearestRow(upper), src.nearestRow(upper + 1));
   });
   return StatusOk;
 }

@@ -64,7 +64,7 @@ class Pass {
 
   const Coded& refinement() {
     forEachCell([this](Cell& cell, int32_t stripe, int32_t index) {
-      const CellBits members = cell.significant & ~cell.visited;
+      const CellBits members = map_.existing(stripe, index) & cell.significant & ~cell.visited;
       if (members == 0) return;
       const CellBits before = cell.refined;
       cell.refined = before | members;

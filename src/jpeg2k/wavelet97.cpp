@@ -4,6 +4,9 @@
 
 using namespace zorj;
 
+// Samples of a line in the buffer beyond its own.
+static constexpr uint32_t kBorder = 8;
+
 StatusCode ZORJ_CALL zoriWTFwdRow_D97_JPEG2K_16s_C1R(const int16_t* pSrc, int32_t srcStep, int16_t* pLow,
                                                      int32_t lowStep, int16_t* pHigh, int32_t highStep,
                                                      RoiSize bandRoiSize, int32_t phase) {
@@ -119,58 +122,58 @@ StatusCode ZORJ_CALL zoriWTInvColLift_D97_JPEG2K_32f_C1(const float* pLow, const
 
 StatusCode ZORJ_CALL zoriWTFwd_D97_JPEG2K_16s_C1IR(int16_t* pSrcDst, int32_t srcDstStep, const TileRect* pTile,
                                                    void* pBuffer) {
-  return transformInPlace(pSrcDst, srcDstStep, pTile, pBuffer, wavelet97Kernels<int16_t>().forwardInPlace);
+  return transformInPlace(pSrcDst, srcDstStep, pTile, pBuffer, kBorder, wavelet97Kernels<int16_t>().forwardInPlace);
 }
 
 StatusCode ZORJ_CALL zoriWTFwd_D97_JPEG2K_32s_C1IR(int32_t* pSrcDst, int32_t srcDstStep, const TileRect* pTile,
                                                    void* pBuffer) {
-  return transformInPlace(pSrcDst, srcDstStep, pTile, pBuffer, wavelet97Kernels<int32_t>().forwardInPlace);
+  return transformInPlace(pSrcDst, srcDstStep, pTile, pBuffer, kBorder, wavelet97Kernels<int32_t>().forwardInPlace);
 }
 
 StatusCode ZORJ_CALL zoriWTInv_D97_JPEG2K_16s_C1IR(int16_t* pSrcDst, int32_t srcDstStep, const TileRect* pTile,
                                                    void* pBuffer) {
-  return transformInPlace(pSrcDst, srcDstStep, pTile, pBuffer, wavelet97Kernels<int16_t>().inverseInPlace);
+  return transformInPlace(pSrcDst, srcDstStep, pTile, pBuffer, kBorder, wavelet97Kernels<int16_t>().inverseInPlace);
 }
 
 StatusCode ZORJ_CALL zoriWTInv_D97_JPEG2K_32s_C1IR(int32_t* pSrcDst, int32_t srcDstStep, const TileRect* pTile,
                                                    void* pBuffer) {
-  return transformInPlace(pSrcDst, srcDstStep, pTile, pBuffer, wavelet97Kernels<int32_t>().inverseInPlace);
+  return transformInPlace(pSrcDst, srcDstStep, pTile, pBuffer, kBorder, wavelet97Kernels<int32_t>().inverseInPlace);
 }
 
 StatusCode ZORJ_CALL zoriWTFwd_D97_JPEG2K_16s_C1R(const int16_t* pSrc, int32_t srcStep, const TileRect* pTile,
                                                   int16_t* const pDst[4], const int32_t dstSteps[4], void* pBuffer) {
-  return forwardApart(pSrc, srcStep, pTile, pDst, dstSteps, pBuffer, wavelet97Kernels<int16_t>());
+  return forwardApart(pSrc, srcStep, pTile, pDst, dstSteps, pBuffer, kBorder, wavelet97Kernels<int16_t>());
 }
 
 StatusCode ZORJ_CALL zoriWTFwd_D97_JPEG2K_32s_C1R(const int32_t* pSrc, int32_t srcStep, const TileRect* pTile,
                                                   int32_t* const pDst[4], const int32_t dstSteps[4], void* pBuffer) {
-  return forwardApart(pSrc, srcStep, pTile, pDst, dstSteps, pBuffer, wavelet97Kernels<int32_t>());
+  return forwardApart(pSrc, srcStep, pTile, pDst, dstSteps, pBuffer, kBorder, wavelet97Kernels<int32_t>());
 }
 
 StatusCode ZORJ_CALL zoriWTInv_D97_JPEG2K_16s_C1R(const int16_t* const pSrc[4], const int32_t srcSteps[4],
                                                   int16_t* pDst, int32_t dstStep, const TileRect* pTile,
                                                   void* pBuffer) {
-  return inverseApart(pSrc, srcSteps, pDst, dstStep, pTile, pBuffer, wavelet97Kernels<int16_t>());
+  return inverseApart(pSrc, srcSteps, pDst, dstStep, pTile, pBuffer, kBorder, wavelet97Kernels<int16_t>());
 }
 
 StatusCode ZORJ_CALL zoriWTInv_D97_JPEG2K_32s_C1R(const int32_t* const pSrc[4], const int32_t srcSteps[4],
                                                   int32_t* pDst, int32_t dstStep, const TileRect* pTile,
                                                   void* pBuffer) {
-  return inverseApart(pSrc, srcSteps, pDst, dstStep, pTile, pBuffer, wavelet97Kernels<int32_t>());
+  return inverseApart(pSrc, srcSteps, pDst, dstStep, pTile, pBuffer, kBorder, wavelet97Kernels<int32_t>());
 }
 
 StatusCode ZORJ_CALL zoriWTGetBufSize_D97_JPEG2K_16s_C1IR(const TileRect* pTile, int32_t* pSize) {
-  return bufferSize<int16_t>(pTile, pSize, 8, false);
+  return bufferSize<int16_t, Buffer::kLine>(pTile, pSize, kBorder);
 }
 
 StatusCode ZORJ_CALL zoriWTGetBufSize_D97_JPEG2K_32s_C1IR(const TileRect* pTile, int32_t* pSize) {
-  return bufferSize<int32_t>(pTile, pSize, 8, false);
+  return bufferSize<int32_t, Buffer::kLine>(pTile, pSize, kBorder);
 }
 
 StatusCode ZORJ_CALL zoriWTGetBufSize_D97_JPEG2K_16s_C1R(const TileRect* pTile, int32_t* pSize) {
-  return bufferSize<int16_t>(pTile, pSize, 8, true);
+  return bufferSize<int16_t, Buffer::kTileAndLine>(pTile, pSize, kBorder);
 }
 
 StatusCode ZORJ_CALL zoriWTGetBufSize_D97_JPEG2K_32s_C1R(const TileRect* pTile, int32_t* pSize) {
-  return bufferSize<int32_t>(pTile, pSize, 8, true);
+  return bufferSize<int32_t, Buffer::kTileAndLine>(pTile, pSize, kBorder);
 }

@@ -149,10 +149,11 @@ TEST(Damage, RandomBytesNeverCrash) {
 
 TEST(Damage, RefusesImagesFarLargerThanTheirFile) {
   std::vector<uint8_t> file = peerEncode(picture(16, 16, 3), {});
+  file.resize(20000, 0xff);  // what fills a file up does not count
   const uint8_t sof[] = {0xff, 0xc0, 0, 17, 8};
   const auto found = std::search(file.begin(), file.end(), std::begin(sof), std::end(sof));
   ASSERT_NE(found, file.end());
-  std::fill_n(found + 5, 4, uint8_t{0xff});
+  std::fill_n(found + 5, 4, uint8_t{16});  // 4112 x 4112
   Image image;
   EXPECT_THROW(jpeg::decode(file, {}, image), examples::Error);
   EXPECT_EQ(image.samples.size(), 0u);

@@ -1,7 +1,7 @@
 // Progressive files and optimised tables, in both directions and byte for byte.
 #include "interop/compare.h"
 #include "interop/pictures.h"
-#include "jpeg/markers.h"
+#include "jpeg/headers.h"
 #include "jpeg/script.h"
 
 namespace interop {
@@ -186,6 +186,47 @@ TEST(Progressive, SaysWhichScansAreMissing) {
   Image decoded;
   EXPECT_NE(jpeg::decode(file, {}, decoded).problem.find("scans are missing"), std::string::npos);
   expectSamePixels(decoded, peerDecode(file, jpeg::Upsampling::triangle), kColorTolerance);
+}
+
+// A scan of each bit of each coefficient of an empty picture: as many blocks for each byte of a file as can make sense.
+TEST(Progressive, DecodesTheMostScansThereCanBe) {
+  jpeg::EncodeOptions options;
+  options.progressive = true;
+  for (int32_t k = 0; k < 64; ++k) {
+    for (int32_t bit = 13; bit >= 0; --bit) options.script.push_back({{0}, k, k, bit == 13 ? 0 : bit + 1, bit});
+  }
+  jpeg::CoefficientImage coefficients = jpeg::transform(Image(1120, 1120, 1), options), decoded;
+  std::vector<uint8_t> file;
+  jpeg::encodeCoefficients(coefficients, options, file);
+  EXPECT_EQ(jpeg::decodeCoefficients(file, decoded).problem, "");
+  expectSameCoefficients(decoded, peerCoefficients(file));
+}
+
+// Scans of some bytes that go through a large picture, each for another coefficient: runs of empty blocks.
+TEST(Progressive, StopsAtMoreScansThanTheFileIsWorth) {
+  constexpr uint8_t kDc[2] = {0, 1}, kRuns[2] = {0xe0, 0};  // 0xe0: from 16384 blocks on
+  const auto problemOf = [&](int32_t scans) {
+    jpeg::Frame frame;
+    frame.process = jpeg::Process::progressive;
+    frame.width = frame.height = 4096;
+    frame.components.resize(1);
+    std::vector<uint8_t> file;
+    jpeg::writeHeaders(frame, {}, 0, file);
+    jpeg::MarkerWriter writer(file);
+    writer.huffmanTable(false, 0, {{1, 1}, kDc});
+    writer.huffmanTable(true, 0, {{1, 1}, kRuns});
+    writer.scan(frame, {{0}, 0, 0, 0, 0});
+    for (int32_t i = 0; i < scans; ++i) {
+      const int32_t k = 1 + i % 63, bit = 13 - i / 63;
+      writer.scan(frame, {{0}, k, k, bit == 13 ? 0 : bit + 1, bit});
+      file.insert(file.end(), 16 * 15 / 8, 0);
+    }
+    writer.marker(marker::EOI);
+    jpeg::CoefficientImage decoded;
+    return jpeg::decodeCoefficients(file, decoded).problem;
+  };
+  EXPECT_EQ(problemOf(60).find("too small for so many scans"), std::string::npos);
+  EXPECT_NE(problemOf(70).find("too small for so many scans"), std::string::npos);
 }
 
 TEST(Progressive, RefusesBadScripts) {

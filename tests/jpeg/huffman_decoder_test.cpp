@@ -119,10 +119,12 @@ TEST(HuffmanDecoder, LongLosslessRowsOfOneTableEqualModel) {
   for (int round = 0; round < 60; ++round) {
     const auto components = static_cast<int32_t>(random.between(1, 4));
     const auto samples = static_cast<size_t>(random.between(500, 800) / components + 1);
-    const std::vector<Table> tables(1,
-                                    Table(round % 3 == 0 ? randomLists(random, firstSymbols(17)) : typicalDcLists()));
+    const HuffmanLists lists = round % 3 == 0   ? randomLists(random, firstSymbols(17))
+                               : round % 3 == 1 ? typicalDcLists()
+                                                : HuffmanLists{{0, 0, 0, 0, 0, 0, 0, 17}, firstSymbols(17)};
+    const std::vector<Table> tables(1, Table(lists));
     std::vector<int16_t> values(samples * static_cast<size_t>(components) * 3);
-    const int64_t largest = round % 2 == 0 ? 3 : 20;
+    const int64_t largest = std::array{3, 20, 3, 32767}[static_cast<size_t>(round) % 4];
     for (int16_t& value : values) {
       value = static_cast<int16_t>(random.between(-largest, largest) * (random.oneIn(50) ? 100 : 1));
     }
@@ -132,7 +134,33 @@ TEST(HuffmanDecoder, LongLosslessRowsOfOneTableEqualModel) {
     const DecoderCalls rows = rowCalls(4, samples, components, tables);
     expectReadsEqualModelOnVariants("long rows, round " + std::to_string(round), stream, rows.subject, rows.model, 0,
                                     3);
+    // A 0xFF in the end tells nothing yet, neither a byte nor a marker.
+    for (size_t i = 0; i < 40; ++i) {
+      Bytes cut(stream.begin(), stream.begin() + random.between(0, static_cast<int64_t>(stream.size())));
+      cut.insert(cut.end(), 1 + i / 20, 0xFF);
+      expectReadsEqualModel("long rows before 0xFF, round " + std::to_string(round), cut, rows.subject, rows.model);
+    }
   }
+}
+
+// Four rows as long as they get, of which the data hold but the first few; all four in one place.
+TEST(HuffmanDecoder, RowsOfMoreThanTwoToThe31DifferencesEndWithTheirData) {
+  const Table table({{1}, {0}});
+  const HuffmanDecodeSpec* specs[4] = {&table.spec, &table.spec, &table.spec, &table.spec};
+  const Bytes source(1000);
+  std::vector<int16_t> row(8 * source.size() / 4);
+  int16_t* rows[4] = {row.data(), row.data(), row.data(), row.data()};
+  forEachIsa([&](Isa isa) {
+    for (const int32_t samples : {(1 << 29) + 1, (1 << 29) + 200, (1 << 30) + 1000, INT32_MAX}) {
+      HuffmanDecodeState state = {};
+      int32_t position = 0, marker = 0;
+      EXPECT_EQ(zoriDecodeHuffmanRow_JPEG_1u16s_C1P4(source.data(), 1000, &position, rows, samples, 4, &marker, specs,
+                                                     &state),
+                StatusBufferEnd)
+          << isaName(isa) << ", " << samples;
+      EXPECT_EQ(position, 1000) << isaName(isa) << ", " << samples;
+    }
+  });
 }
 
 // Lists with more codes than fit are accepted where the excess is of more than 8 bits. Whatever such tables decode to,

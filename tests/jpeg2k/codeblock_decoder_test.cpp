@@ -178,6 +178,32 @@ TEST(CodeBlockDecoder, UsesClearMemoryAsItIs) {
                          .samples);
 }
 
+// Memory that is said to be zero and holds noise instead spoils the block, but nothing beside it.
+TEST(CodeBlockDecoder, TakesNoiseForClearMemoryInsideTheBlock) {
+  Random random(6);
+  forEachIsa([&](Isa) {
+    for (int round = 0; round < 200; ++round) {
+      const RoiSize size = {static_cast<int32_t>(random.between(1, 20)), static_cast<int32_t>(random.between(1, 20))};
+      int32_t bytes = 0;
+      ASSERT_EQ(zoriDecodeCBProgrGetStateSize_JPEG2K(size, &bytes), StatusOk);
+      const GuardedMemory memory(static_cast<size_t>(bytes), Placement::kAtEnd);
+      const GuardedMemory samples(static_cast<size_t>(size.width * size.height) * 4,
+                                  round % 2 == 0 ? Placement::kAtEnd : Placement::kAtStart);
+      uint8_t segment[64];
+      for (uint8_t& byte : segment) byte = static_cast<uint8_t>(random.next());
+      fillSamples(memory.data(), memory.size(), random, 0);
+      auto* const state = reinterpret_cast<J2kDecodeState*>(memory.data());
+      ASSERT_EQ(zoriDecodeCBProgrInit_JPEG2K(state), StatusOk);
+      const auto flags = CbContextsClear | (static_cast<uint32_t>(random.next()) & kSharedOptions);
+      ASSERT_EQ(zoriDecodeCBProgrAttach_JPEG2K_32s_C1R(reinterpret_cast<int32_t*>(samples.data()), 4 * size.width, size,
+                                                       state, SubbandHL, 10, flags),
+                StatusOk);
+      ASSERT_EQ(zoriDecodeCBProgrSetPassCounter_JPEG2K(28, state), StatusOk);
+      zoriDecodeCBProgrStep_JPEG2K(segment, sizeof segment, state);
+    }
+  });
+}
+
 TEST(CodeBlockDecoder, ErrorsLastUntilTheNextBlock) {
   alignas(64) uint8_t memory[4096];
   auto* const state = reinterpret_cast<J2kDecodeState*>(memory + 1);

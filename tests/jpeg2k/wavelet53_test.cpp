@@ -193,6 +193,11 @@ TEST(Wavelet53, BufferSizes) {
   EXPECT_EQ(sizes({0, 0, -1, 1}), (std::array<int32_t, 4>{10, 20, 10, 20}));  // compared without sign
 }
 
+TEST(Wavelet53, RefusesTilesWithoutBuffer) {
+  expectRefusesTilesWithoutBuffer(kTile16, 4);
+  expectRefusesTilesWithoutBuffer(kTile32, 4);
+}
+
 TEST(Wavelet53, ChecksArgumentsInOrder) {
   expectTileArgumentOrder(kTile16);
   expectTileArgumentOrder(kTile32);

@@ -283,6 +283,11 @@ TEST(Wavelet97, BufferSizes) {
   EXPECT_EQ(sizes({0, 0, 1, -1}), (std::array<int32_t, 4>{18, 36, 18 - 32, 36 - 32}));  // compared without sign
 }
 
+TEST(Wavelet97, RefusesTilesWithoutBuffer) {
+  expectRefusesTilesWithoutBuffer(kTile16, 8);
+  expectRefusesTilesWithoutBuffer(kTile32, 8);
+}
+
 TEST(Wavelet97, ChecksArgumentsInOrder) {
   expectTileArgumentOrder(kTile16);
   expectTileArgumentOrder(kTile32);

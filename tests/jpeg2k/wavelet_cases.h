@@ -370,6 +370,30 @@ void expectTileArgumentOrder(const TileFunctions<T>& functions) {
   }
 }
 
+// The smallest tiles whose buffers are too large, and larger ones whose sizes wrap; `border` samples are around a line.
+template <class T>
+void expectRefusesTilesWithoutBuffer(const TileFunctions<T>& functions, int32_t border) {
+  std::array<T, 64> image = {}, buffer = {};
+  T* const bands[4] = {&image[0], &image[4], &image[8], &image[12]};
+  const T* const sources[4] = {&image[0], &image[4], &image[8], &image[12]};
+  const int32_t steps[4] = {1, 1, 1, 1};
+  constexpr int32_t kBytes = sizeof(T);
+  const int32_t longest = INT32_MAX / kBytes - border + 1;
+  const int32_t highest = (INT32_MAX - border * kBytes) / (32 + kBytes) + 1;
+  for (const TileRect& tile : {TileRect{0, 0, longest, 1}, TileRect{1, 1, 2, longest}, TileRect{0, 0, INT32_MAX, 3}}) {
+    for (const InPlace<T> function : {functions.forwardInPlace, functions.inverseInPlace}) {
+      EXPECT_EQ(function(image.data(), 1, &tile, buffer.data()), StatusBadSize) << functions.what << tile.width;
+    }
+  }
+  for (const TileRect& tile : {TileRect{0, 0, 32 / kBytes, highest}, TileRect{0, 0, 65536, 32768},
+                               TileRect{0, 0, INT32_MAX, INT32_MAX}, TileRect{0, 0, longest, 1}}) {
+    EXPECT_EQ(functions.forwardApart(image.data(), 1, &tile, bands, steps, buffer.data()), StatusBadSize)
+        << functions.what << tile.width;
+    EXPECT_EQ(functions.inverseApart(sources, steps, image.data(), 1, &tile, buffer.data()), StatusBadSize)
+        << functions.what << tile.width;
+  }
+}
+
 template <class T>
 void expectBandsArgumentOrder(const std::string& what, ForwardBands<T> forward, InverseBands<T> inverse) {
   const std::array<T, 128> source = {};
