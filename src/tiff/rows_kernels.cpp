@@ -222,7 +222,8 @@ StatusCode unpack(const uint8_t* packets, int32_t* position, int32_t length, uin
     if (header == kNoOperation) continue;
     const bool literal = header < kNoOperation;
     const ptrdiff_t count = literal ? header + 1 : 257 - header;
-    if ((literal && at + count > length) || written + count > rowLength) break;
+    // Behind the last position there is, no byte can be repeated.
+    if ((literal ? count > length - at : at == INT32_MAX) || count > rowLength - written) break;
     if (literal) {
       copyLiteral(row + written, packets + at, count);
     } else {

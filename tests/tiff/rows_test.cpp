@@ -150,6 +150,32 @@ TEST(PackBits, LeavesTheRestOfLongRowsAsItWas) {
   }
 }
 
+// Where adding the length of a packet to the position overflows 32 bits.
+TEST(PackBits, UnpacksUpToTheLastPosition) {
+  const auto statusOf = [](const Bytes& end, int32_t& position, Bytes& row) {
+    const GuardedMemory memory(end.size(), Placement::kAtEnd);
+    std::copy(end.begin(), end.end(), memory.data());
+    const uintptr_t before = INT32_MAX - end.size();
+    position = static_cast<int32_t>(before);
+    return zoriUnpackBitsRow_TIFF_8u_C1(
+        reinterpret_cast<const uint8_t*>(reinterpret_cast<uintptr_t>(memory.data()) - before), &position, INT32_MAX,
+        row.data(), static_cast<int32_t>(row.size()));
+  };
+  forEachIsa([&](Isa isa) {
+    int32_t position = 0;
+    Bytes row(2, 7);
+    EXPECT_EQ(statusOf({0xFF, 5}, position, row), StatusOk) << isaName(isa);
+    EXPECT_EQ(position, INT32_MAX);
+    EXPECT_EQ(row, (Bytes{5, 5}));
+    for (const uint8_t header : {0x01, 0x7F, 0x81, 0xFF}) {
+      row.assign(200, 7);
+      EXPECT_EQ(statusOf({header}, position, row), StatusPackBitsError) << isaName(isa) << ", " << int{header};
+      EXPECT_EQ(position, INT32_MAX);
+      EXPECT_EQ(row, Bytes(200, 7));
+    }
+  });
+}
+
 TEST(SplitAndJoin, EqualModel) {
   expectRowsEqualModel(
       "zoriSplitRow_TIFF_16u8u_C1",
