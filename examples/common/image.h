@@ -3,10 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <new>
 #include <vector>
 
 namespace examples {
+
+static_assert(sizeof(size_t) == 8, "the codecs compute sizes of files and images in size_t");
 
 // Grey (1 channel), RGB (3 channels) or CMYK (4 channels, the largest value for full ink), or one of the first two with
 // opacity as a channel more; pixels interleaved, rows without padding. Samples are 0 to 2^precision - 1.
@@ -26,12 +27,10 @@ struct BasicImage {
 
   // Keeps the memory where it suffices; the samples are then what they were.
   void reshape(int32_t newWidth, int32_t newHeight, int32_t newChannels) {
-    const uint64_t count = uint64_t{static_cast<uint32_t>(newWidth)} * static_cast<uint32_t>(newHeight);
-    if (count > samples.max_size() / static_cast<size_t>(newChannels)) throw std::bad_alloc();
     width = newWidth;
     height = newHeight;
     channels = newChannels;
-    samples.resize(static_cast<size_t>(count) * static_cast<size_t>(channels));
+    samples.resize(static_cast<size_t>(width) * static_cast<size_t>(height) * static_cast<size_t>(channels));
   }
 
   int32_t largest() const { return (1 << precision) - 1; }

@@ -64,15 +64,14 @@ bool readPixels(png_structp png, png_infop info, Input& input, DeepImage& image,
   png_set_read_fn(png, &input, readInput);
   png_read_info(png, info);
   image.precision = png_get_bit_depth(png, info) == 16 ? 16 : 8;
+  const uint64_t bytes = uint64_t{png_get_image_height(png, info)} * png_get_rowbytes(png, info);
+  if (bytes / kMaxExpansion > input.bytes.size()) png_error(png, "too little data for so many pixels");
   png_set_expand_16(png);  // palettes to RGB, fewer than 16 bits to 16, transparent colours to opacity
   if (isLittleEndian()) png_set_swap(png);
   png_set_interlace_handling(png);
   png_read_update_info(png, info);
   const png_uint_32 width = png_get_image_width(png, info);
   const png_uint_32 height = png_get_image_height(png, info);
-  if (uint64_t(height) * png_get_rowbytes(png, info) / kMaxExpansion > input.bytes.size()) {
-    png_error(png, "too little data for so many pixels");
-  }
   image.reshape(static_cast<int32_t>(width), static_cast<int32_t>(height), png_get_channels(png, info));
   if (image.step() != static_cast<int32_t>(png_get_rowbytes(png, info))) png_error(png, "unexpected row layout");
   rows.resize(height);

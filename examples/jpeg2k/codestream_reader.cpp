@@ -42,6 +42,7 @@ CodestreamReader::CodestreamReader(std::span<const uint8_t> codestream) : bytes_
   if (bytes_.size() < 4 || nextMarker() != marker::SOC || nextMarker() != marker::SIZ) {
     throw Error("not a JPEG 2000 codestream");
   }
+  if (bytes_.size() > INT32_MAX) throw Error("the file is larger than 2 GiB");
   readSize(segment());
   checkMemory();
   main_ = std::make_unique<CodingHeaders>(size_);
@@ -124,11 +125,13 @@ void CodestreamReader::readSize(ByteReader in) {
 }
 
 void CodestreamReader::checkMemory() const {
-  int64_t pixels = 0;
+  ComponentSize pixel = size_.components[0];
   for (const ComponentSize& component : size_.components) {
-    const Rect rect = componentRect(component, size_.image);
-    pixels = std::max(pixels, int64_t{rect.width()} * rect.height());
+    pixel.dx = std::min(pixel.dx, component.dx);
+    pixel.dy = std::min(pixel.dy, component.dy);
   }
+  const Rect rect = componentRect(pixel, size_.image);
+  const int64_t pixels = int64_t{rect.width()} * rect.height();
   if (pixels > kAlwaysAllowedPixels + kMaxPixelsPerByte * static_cast<int64_t>(bytes_.size())) {
     throw Error("the file is too small for an image of this size");
   }

@@ -13,6 +13,9 @@ constexpr uint32_t kMaxDimension = 1 << 24;
 constexpr uint32_t kMaxSamplesPerPixel = 16;
 // Two bytes of PackBits become 128 at most; more pixels than that must be missing.
 constexpr uint64_t kMaxExpansion = 64;
+// Strips that lie at the same place may take so many bytes of packets together, and so many for each byte of the file.
+constexpr size_t kAlwaysAllowedBytes = 1 << 24;
+constexpr size_t kMaxReadings = 16;
 
 int32_t colorsOf(uint32_t photometric) {
   switch (photometric) {
@@ -56,7 +59,8 @@ class StripReader {
         file_(tiff.begin(), tiff.end()),
         samplesPerPixel_(description.separatePlanes ? 1 : description.samplesPerPixel),
         row_(size_t{description.width} * samplesPerPixel_ * description.bitsPerSample / 8),
-        samples_(size_t{description.width} * samplesPerPixel_) {
+        samples_(size_t{description.width} * samplesPerPixel_),
+        bytesLeft_(kAlwaysAllowedBytes + kMaxReadings * tiff.size()) {
     file_.push_back(0);  // the library may read a byte behind the last
   }
 
@@ -85,12 +89,14 @@ class StripReader {
 
  private:
   bool unpackRow() {
-    const auto length = static_cast<int32_t>(std::min<size_t>(end_ - position_, INT32_MAX));
+    const auto length = static_cast<int32_t>(std::min<size_t>({end_ - position_, bytesLeft_, INT32_MAX}));
     if (length == 0) return false;
     int32_t taken = 0;
     const StatusCode status = zoriUnpackBitsRow_TIFF_8u_C1(file_.data() + position_, &taken, length, row_.data(),
                                                            static_cast<int32_t>(row_.size()));
-    position_ += static_cast<size_t>(std::min(taken, length));
+    const auto consumed = static_cast<size_t>(std::min(taken, length));
+    position_ += consumed;
+    bytesLeft_ -= consumed;
     return status == StatusOk && taken <= length;
   }
 
@@ -120,6 +126,7 @@ class StripReader {
   std::vector<uint8_t> row_;
   std::vector<uint16_t> samples_;
   size_t position_ = 0, end_ = 0;
+  size_t bytesLeft_;  // of packets, in all strips
 };
 
 // A pixel's colours among its samples, and where they go.

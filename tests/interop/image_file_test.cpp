@@ -102,7 +102,7 @@ std::vector<uint8_t> readPngRow(int colorType, int depth, uint32_t width, std::v
   if (colorType == PNG_COLOR_TYPE_PALETTE) {
     const png_color palette[3] = {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}};
     const png_byte alpha[2] = {255, 0};
-    png_set_PLTE(png, info, palette, 3);
+    png_set_PLTE(png, info, palette, std::min(3, 1 << depth));
     png_set_tRNS(png, info, alpha, 2, nullptr);
   }
   png_write_info(png, info);
@@ -128,6 +128,14 @@ TEST(ImageFile, ConvertsEverySortOfPng) {
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_RGB_ALPHA, 16, 1, {1, 1, 2, 2, 3, 3, 0xff, 0xff}), (Samples{1, 2, 3}));
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_GRAY_ALPHA, 16, 1, {1, 1, 0, 0}), (Samples{255}));
   EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_PALETTE, 8, 3, {2, 1, 0}), (Samples{0, 0, 255, 255, 255, 255, 255, 0, 0}));
+}
+
+// Of few bits a sample, a small file holds many.
+TEST(ImageFile, ReadsBlankBilevelPng) {
+  constexpr uint32_t kWidth = 100'000;
+  const std::vector<uint8_t> row(kWidth / 8, 0xff);
+  EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_GRAY, 1, kWidth, row), std::vector<uint8_t>(kWidth, 255));
+  EXPECT_EQ(readPngRow(PNG_COLOR_TYPE_PALETTE, 1, kWidth, row), std::vector<uint8_t>(3 * kWidth, 255));
 }
 
 TEST(ImageFile, RefusesDamagedPng) {

@@ -123,6 +123,16 @@ TEST(Jpeg2kHostile, EmptyVolumesOfPackets) {
   }
 }
 
+// Of components with few samples, one in columns and one in rows, a picture with many pixels is made.
+TEST(Jpeg2kHostile, PixelsOfComponentsSampledCrosswise) {
+  Bytes sizes = size({0, 0, 16384, 16384}, 16384, 16384, false, 2);
+  const size_t end = sizes.size();
+  sizes[end - 5] = 255;  // the first one's columns
+  sizes[end - 1] = 255;  // the second one's rows
+  EXPECT_EQ(problemOf(codestream(sizes + coding(0, 1) + quantization(0), tilePart(0, {}, {kEmptyPacket}))),
+            "the file is too small for an image of this size");
+}
+
 TEST(Jpeg2kHostile, RowsWhoseStepsAreNoInt) {
   const Bytes comment = segment(0x64, Bytes(65000));
   const Bytes headers = size({0, 0, 1 << 28, 1}, 1 << 28, 1) + coding(0, 1) + quantization(0) + comment + comment;

@@ -276,6 +276,43 @@ std::string errorOf(const std::vector<uint8_t>& file) {
   return "";
 }
 
+// Each strip a row that lies at the end of the same megabyte of nothing: those that a program can be expected to read
+// are read.
+TEST_F(Tiff, StripsInOnePlace) {
+  const auto damagedOf = [](uint32_t strips) {
+    constexpr uint32_t kWidth = 100, kBytes = 1 << 20, kStart = 8;
+    std::vector<uint8_t> file;
+    const auto add = [&](uint32_t value, int bytes) {
+      for (int i = 0; i < bytes; ++i) file.push_back(static_cast<uint8_t>(value >> 8 * i));
+    };
+    const uint32_t arrays = kStart + kBytes, directory = arrays + 8 * strips;
+    add(0x002A4949, 4);
+    add(directory, 4);
+    file.resize(arrays - 2, 0x80);
+    add(257 - kWidth, 1);
+    add(99, 1);
+    for (uint32_t i = 0; i < strips; ++i) add(kStart, 4);
+    for (uint32_t i = 0; i < strips; ++i) add(kBytes, 4);
+    add(9, 2);
+    const uint32_t entries[9][3] = {{256, 1, kWidth}, {257, 1, strips}, {258, 1, 8},
+                                    {259, 1, 32773},  {262, 1, 1},      {273, strips, arrays},
+                                    {277, 1, 1},      {278, 1, 1},      {279, strips, arrays + 4 * strips}};
+    for (const auto& [tag, count, value] : entries) {
+      add(tag, 2);
+      add(4, 2);
+      add(count, 4);
+      add(value, 4);
+    }
+    add(0, 4);
+    DeepImage image;
+    const std::string problem = tiff::decode(file, image).problem;
+    EXPECT_EQ(image.samples[0], 99);
+    return problem;
+  };
+  EXPECT_EQ(damagedOf(20), "");
+  EXPECT_NE(damagedOf(60), "");
+}
+
 TEST_F(Tiff, RefusesBadDirectories) {
   const Patched good(encoded(page(400, 300, 3, 8)));
   ASSERT_EQ(errorOf(good.bytes), "");
