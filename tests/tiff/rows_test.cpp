@@ -155,11 +155,10 @@ TEST(PackBits, UnpacksUpToTheLastPosition) {
   const auto statusOf = [](const Bytes& end, int32_t& position, Bytes& row) {
     const GuardedMemory memory(end.size(), Placement::kAtEnd);
     std::copy(end.begin(), end.end(), memory.data());
-    const uintptr_t before = INT32_MAX - end.size();
+    const auto before = static_cast<ptrdiff_t>(INT32_MAX - end.size());
     position = static_cast<int32_t>(before);
-    return zoriUnpackBitsRow_TIFF_8u_C1(
-        reinterpret_cast<const uint8_t*>(reinterpret_cast<uintptr_t>(memory.data()) - before), &position, INT32_MAX,
-        row.data(), static_cast<int32_t>(row.size()));
+    return zoriUnpackBitsRow_TIFF_8u_C1(memory.data() - before, &position, INT32_MAX, row.data(),
+                                        static_cast<int32_t>(row.size()));
   };
   forEachIsa([&](Isa isa) {
     int32_t position = 0;
