@@ -125,12 +125,7 @@ void CodestreamReader::readSize(ByteReader in) {
 }
 
 void CodestreamReader::checkMemory() const {
-  ComponentSize pixel = size_.components[0];
-  for (const ComponentSize& component : size_.components) {
-    pixel.dx = std::min(pixel.dx, component.dx);
-    pixel.dy = std::min(pixel.dy, component.dy);
-  }
-  const Rect rect = componentRect(pixel, size_.image);
+  const Rect rect = componentRect(pixelSize(size_), size_.image);
   const int64_t pixels = int64_t{rect.width()} * rect.height();
   if (pixels > kAlwaysAllowedPixels + kMaxPixelsPerByte * static_cast<int64_t>(bytes_.size())) {
     throw Error("the file is too small for an image of this size");

@@ -108,6 +108,15 @@ Rect componentRect(const ComponentSize& component, const Rect& rect) {
       static_cast<int32_t>(ceilDivide(rect.x1, component.dx)), static_cast<int32_t>(ceilDivide(rect.y1, component.dy))};
 }
 
+ComponentSize pixelSize(const ImageSize& size) {
+  ComponentSize pixel = size.components[0];
+  for (const ComponentSize& component : size.components) {
+    pixel.dx = std::min(pixel.dx, component.dx);
+    pixel.dy = std::min(pixel.dy, component.dy);
+  }
+  return pixel;
+}
+
 Tile makeTile(const ImageSize& size, const TileCoding& coding, int32_t number) {
   Tile tile;
   tile.number = number;

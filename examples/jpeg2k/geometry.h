@@ -83,6 +83,8 @@ inline int64_t tileCount(const ImageSize& size) { return int64_t{tilesWide(size)
 Rect tileRect(const ImageSize& size, int32_t number);
 // A rectangle of the reference grid on the canvas of a component.
 Rect componentRect(const ComponentSize& component, const Rect& rect);
+// The pixels of the picture that all components make, as a component: in either direction as close as those of any.
+ComponentSize pixelSize(const ImageSize& size);
 
 Tile makeTile(const ImageSize& size, const TileCoding& coding, int32_t number);
 

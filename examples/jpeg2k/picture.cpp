@@ -8,12 +8,6 @@
 namespace examples::jpeg2k {
 namespace {
 
-int32_t smallest(const ImageSize& size, int32_t ComponentSize::*distance) {
-  const auto least = std::min_element(size.components.begin(), size.components.end(),
-                                      [&](const auto& a, const auto& b) { return a.*distance < b.*distance; });
-  return (*least).*distance;
-}
-
 // Which samples of a component the pixels [begin, end) show, limited to those it has.
 struct Spread {
   int32_t pixelDistance;
@@ -52,9 +46,9 @@ void convertYccToRgb(DeepImage& image) {
 
 Layout makeLayout(const ImageSize& size, const DecodeOptions& options) {
   Layout layout;
-  layout.dx = smallest(size, &ComponentSize::dx);
-  layout.dy = smallest(size, &ComponentSize::dy);
-  const ComponentSize pixel = {8, false, layout.dx, layout.dy};
+  const ComponentSize pixel = pixelSize(size);
+  layout.dx = pixel.dx;
+  layout.dy = pixel.dy;
   const Rect all = componentRect(pixel, size.image);
   Rect wanted = all;
   if (options.tile >= 0) {

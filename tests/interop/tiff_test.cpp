@@ -294,9 +294,16 @@ TEST_F(Tiff, StripsInOnePlace) {
     for (uint32_t i = 0; i < strips; ++i) add(kStart, 4);
     for (uint32_t i = 0; i < strips; ++i) add(kBytes, 4);
     add(9, 2);
-    const uint32_t entries[9][3] = {{256, 1, kWidth}, {257, 1, strips}, {258, 1, 8},
-                                    {259, 1, 32773},  {262, 1, 1},      {273, strips, arrays},
-                                    {277, 1, 1},      {278, 1, 1},      {279, strips, arrays + 4 * strips}};
+    using namespace tiff;
+    const uint32_t entries[9][3] = {{kImageWidth, 1, kWidth},
+                                    {kImageLength, 1, strips},
+                                    {kBitsPerSample, 1, 8},
+                                    {kCompression, 1, uint32_t(Compression::packBits)},
+                                    {kPhotometric, 1, kBlackIsZero},
+                                    {kStripOffsets, strips, arrays},
+                                    {kSamplesPerPixel, 1, 1},
+                                    {kRowsPerStrip, 1, 1},
+                                    {kStripByteCounts, strips, arrays + 4 * strips}};
     for (const auto& [tag, count, value] : entries) {
       add(tag, 2);
       add(4, 2);
@@ -305,7 +312,7 @@ TEST_F(Tiff, StripsInOnePlace) {
     }
     add(0, 4);
     DeepImage image;
-    const std::string problem = tiff::decode(file, image).problem;
+    const std::string problem = decode(file, image).problem;
     EXPECT_EQ(image.samples[0], 99);
     return problem;
   };

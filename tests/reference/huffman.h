@@ -128,8 +128,8 @@ class HuffmanEncoder {
   bool ignoreMissingCodes = false;
 
  private:
-  std::array<HuffmanCode, 257>
-      codes_{};  // by symbol; length 0: none, as for 256, a run of 15 before a value of 16 bits
+  // By symbol; those of length 0 are none, as for 256, a run of 15 before a value of 16 bits.
+  std::array<HuffmanCode, 257> codes_{};
 };
 
 inline StatusCode encodeBlock(HuffmanWriter& writer, const int16_t* block, int16_t& lastDc, const HuffmanEncoder& dc,
